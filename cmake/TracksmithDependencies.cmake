@@ -1,0 +1,27 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+# Every library this project stands on; docs/architecture.md says why each is here.
+find_package(PkgConfig REQUIRED)
+find_package(Threads REQUIRED)
+
+pkg_check_modules(FFMPEG REQUIRED IMPORTED_TARGET libavformat libavcodec libswresample libavutil)
+pkg_check_modules(TAGLIB REQUIRED IMPORTED_TARGET taglib)
+pkg_check_modules(EBUR128 REQUIRED IMPORTED_TARGET libebur128)
+pkg_check_modules(SDL2 REQUIRED IMPORTED_TARGET sdl2)
+pkg_check_modules(KISSFFT REQUIRED IMPORTED_TARGET kissfft-float)
+find_path(LAME_INCLUDE lame/lame.h REQUIRED)
+find_library(LAME_LIBRARY mp3lame REQUIRED)
+add_library(lame INTERFACE)
+target_include_directories(lame SYSTEM INTERFACE ${LAME_INCLUDE})
+target_link_libraries(lame INTERFACE ${LAME_LIBRARY})
+
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core)
+if(TRACKSMITH_GUI)
+  find_package(Qt6 6.4 REQUIRED COMPONENTS Gui Widgets)
+  find_package(Qt6 6.4 COMPONENTS DBus)
+endif()
+find_package(CLI11 REQUIRED)
+if(TRACKSMITH_TESTS)
+  find_package(GTest REQUIRED)
+  include(GoogleTest)
+  find_package(Qt6 6.4 REQUIRED COMPONENTS Test)
+endif()
