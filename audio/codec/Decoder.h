@@ -10,9 +10,25 @@
 
 namespace audio::codec {
 
+/// What lies in a file besides the one sound that is decoded; what a save could not carry.
+struct Contents {
+    int audioStreams = 1;
+    int pictures = 0;      ///< attached cover art
+    int otherStreams = 0;  ///< moving pictures, subtitles, data
+    int chapters = 0;
+    bool chained =
+        false;  ///< several sounds one after the other (Ogg); known for sure after frames()
+};
+
 /// Reads the sound of one local file as 32-bit float frames, from any frame on, without encoder
-/// delay and padding. Opens local files only: never a URL, a playlist or a script. It does not
-/// resample, remap or write. One thread at a time; different decoders are independent.
+/// delay and padding. Opens local files only: never a URL, a playlist or a script, and never a
+/// second file that the first one names. It does not resample, remap or write. One thread at a
+/// time; different decoders are independent.
+///
+/// Integer PCM of up to 24 bits comes out without loss (value / 2^(bits-1)); of 32-bit integers and
+/// doubles a float keeps 24 significant bits: copy those with readPcm() where every bit counts.
+/// Layer II has no statement of encoder delay, so its sound is all that a decoder puts out, as with
+/// other players: whole frames of 1152. WMA likewise: whole blocks.
 class Decoder {
   public:
     /// Opens and probes. Throws platform::Error naming the file and the reason.
@@ -22,6 +38,7 @@ class Decoder {
     Decoder& operator=(const Decoder&) = delete;
 
     const Format& format() const;
+    const Contents& contents() const;
 
     /// The exact number of frames. May have to read the whole file's structure (never decode all of
     /// it where the structure tells), so ask only when it is needed; the answer is kept.
@@ -43,9 +60,21 @@ class Decoder {
     /// The frame the next read() begins with.
     std::int64_t position() const;
 
+    /// Whether readPcm() works: the sound is Codec::Pcm.
+    bool hasPcm() const;
+
+    /// The next frames as the bytes that lie in the file (little-endian, format().sampleType,
+    /// interleaved), up to `frames` of them; otherwise as read(), and sharing its position. Throws
+    /// platform::Error where hasPcm() is false.
+    std::size_t readPcm(std::byte* bytes, std::size_t frames);
+
+    /// Whether any stretch read so far was damaged and came out as silence.
+    bool damaged() const;
+
+    class Source;  ///< one way of reading; private to this folder
+
   private:
-    class Impl;
-    std::unique_ptr<Impl> impl_;
+    std::unique_ptr<Source> source_;
 };
 
 }  // namespace audio::codec

@@ -10,16 +10,27 @@ enum class Container { Wav, Mpeg, Ogg, Asf, Other };
 enum class Codec { Pcm, Mp3, Mp2, Vorbis, Wma, Other };
 enum class SampleType { U8, S16, S24, S32, F32, F64, Lossy };
 
-/// What a sound file holds. A plain value.
+/// What a sound file holds, or shall hold. A plain value.
+///
+/// Codec::Wma is versions 1 and 2 (codecName "wmav1", "wmav2"), which can be written; Pro, Lossless
+/// and Voice are Codec::Other. Codec::Pcm is what lies in a WAV file uncompressed and
+/// little-endian; the PCM of other containers is Codec::Other.
 struct Format {
     Container container = Container::Other;
     Codec codec = Codec::Other;
-    std::string codecName;  ///< FFmpeg's name of the codec, for sentences ("wmapro")
-    int sampleRate = 0;     ///< Hz
-    int channels = 0;       ///< interleaved in the order of the file
-    SampleType sampleType = SampleType::Lossy;
+    std::string containerName;      ///< FFmpeg's name of the demuxer ("flac", "mov,mp4,m4a,...")
+    std::string codecName;          ///< FFmpeg's name of the codec, for sentences ("wmapro")
+    int sampleRate = 0;             ///< Hz
+    int channels = 0;               ///< interleaved in the order of the file
+    std::uint64_t channelMask = 0;  ///< speakers, as WAVE's dwChannelMask; 0 = unstated
+    SampleType sampleType = SampleType::Lossy;  ///< F32 and F64 are PCM of a WAV file only
+    int bitsPerSample = 0;     ///< of a lossless codec, without padding bits; 0 for a lossy one
     std::int64_t bitRate = 0;  ///< bit/s, nominal where the file states one, else the average
     bool variableBitRate = false;
+    double quality = -1;  ///< MP3 with a variable bit-rate: LAME's V, 0 (best) to 9.999; -1 unknown
 };
+
+/// Bytes of one sample of one channel of PCM; 0 for SampleType::Lossy.
+int bytesPerSample(SampleType type);
 
 }  // namespace audio::codec
