@@ -11,8 +11,8 @@ namespace handoff {
 namespace {
 
 platform::Error unwritable(const QString& path, const QString& reason) {
-    return platform::Error("“" + path.toStdString() + "” could not be written: " +
-                           reason.toStdString() + ".");
+    return platform::Error("“" + path.toStdString() +
+                           "” could not be written: " + reason.toStdString() + ".");
 }
 
 }  // namespace
