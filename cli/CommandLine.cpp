@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "cli/CommandLine.h"
+
+#include <exception>
+#include <iostream>
+
+#include <CLI/CLI.hpp>
+
+#include "cli/Session.h"
+
+namespace cli {
+namespace {
+
+constexpr int failure = 1;
+constexpr int badUsage = 2;
+
+// Every command, in the order in which the help lists them: one add<Name>Command from commands/.
+void addCommands(CLI::App&, Session&) {}
+
+}  // namespace
+
+int runCommandLine(int argc, const char* const* argv) {
+    Session session(std::cout, std::cerr);
+    CLI::App app("Works on playlists and sound files without a window.", "tracksmith-cli");
+    app.add_flag("--json", session.json, "One JSON object a line, for programs");
+    app.set_version_flag("--version", TRACKSMITH_VERSION);
+    app.require_subcommand(1);
+    app.fallthrough();  // so that the shared options may stand behind the command
+    addCommands(app, session);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? 0 : badUsage;
+    } catch (const std::exception& error) {
+        std::cerr << "tracksmith-cli: " << error.what() << '\n';
+        return failure;
+    }
+    return session.exitCode();
+}
+
+}  // namespace cli

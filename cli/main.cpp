@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <QCoreApplication>
+
+#include "cli/CommandLine.h"
+#include "platform/Interrupt.h"
+
+int main(int argc, char** argv) {
+    platform::watchForInterrupt();
+    const QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("tracksmith"));
+    return cli::runCommandLine(argc, argv);
+}
