@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <span>
+
+namespace platform {
+
+/// Replaces a file whole or not at all. It writes to a temporary in the target's own folder and
+/// renames that over the target; the target itself is never opened for writing. Symbolic links are
+/// followed first: the file behind them is the target. Until commit() has succeeded the target is
+/// as it was, and whatever goes wrong, also a missing commit(), takes the temporary away again.
+/// Not for several threads at once. Every error is a platform::Error that names target and step.
+class AtomicFile {
+  public:
+    /// Creates the empty temporary. Throws where the folder does not allow that, where the target
+    /// is no ordinary file, or where it is write-protected.
+    explicit AtomicFile(const std::filesystem::path& target);
+    ~AtomicFile();
+    AtomicFile(const AtomicFile&) = delete;
+    AtomicFile& operator=(const AtomicFile&) = delete;
+
+    /// The file that will be replaced, links resolved.
+    const std::filesystem::path& target() const;
+    /// The temporary. Others may write to it by this path, before or between the calls below.
+    const std::filesystem::path& temporary() const;
+
+    /// Appends at the write position, which begins at 0.
+    void write(std::span<const std::byte> bytes);
+    void write(const void* bytes, std::size_t size);
+    /// Appends a stretch of another file, by the system's fast path where there is one.
+    void copyFrom(const std::filesystem::path& source, std::int64_t offset, std::int64_t size);
+    /// The write position: a later write() continues there.
+    void seek(std::int64_t position);
+    std::int64_t position() const;
+
+    /// Flushes, lets `verify` look at the finished temporary (it throws to refuse it), gives it the
+    /// target's owner, mode and extended attributes, syncs it, renames it over the target and syncs
+    /// the folder. A new target gets the mode any new file gets.
+    void commit(
+        const std::function<void(const std::filesystem::path& temporary)>& verify = nullptr);
+
+  private:
+    class Impl;
+    std::unique_ptr<Impl> impl_;
+};
+
+}  // namespace platform

@@ -1,0 +1,309 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/FileHandle.h"
+
+#include <algorithm>
+#include <vector>
+
+#include <QtGlobal>
+
+#ifndef Q_OS_WIN
+
+#include <cerrno>
+#include <fcntl.h>
+#include <string>
+#include <string_view>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+namespace platform {
+namespace {
+
+bool failed(std::error_code& error) {
+    error.assign(errno, std::generic_category());
+    return false;
+}
+
+bool endedTooEarly(std::error_code& error) {
+    error = std::make_error_code(std::errc::io_error);
+    return false;
+}
+
+// The security and trusted name spaces belong to the system, which labels new files itself.
+bool mustBeKept(std::string_view name) {
+    return name.starts_with("user.") || name.starts_with("system.posix_acl_");
+}
+
+bool copyExtendedAttribute(int from, int to, const char* name) {
+    const ssize_t size = ::fgetxattr(from, name, nullptr, 0);
+    if (size < 0) return false;
+    std::vector<char> value(static_cast<std::size_t>(size));
+    const ssize_t got = ::fgetxattr(from, name, value.data(), value.size());
+    return got >= 0 && ::fsetxattr(to, name, value.data(), static_cast<std::size_t>(got), 0) == 0;
+}
+
+bool copyExtendedAttributes(int from, int to, std::error_code& error) {
+    const ssize_t size = ::flistxattr(from, nullptr, 0);
+    if (size <= 0) return size == 0 || errno == ENOTSUP || failed(error);
+    std::vector<char> names(static_cast<std::size_t>(size));
+    const ssize_t got = ::flistxattr(from, names.data(), names.size());
+    if (got < 0) return failed(error);
+    const std::string_view all(names.data(), static_cast<std::size_t>(got));
+    for (std::size_t start = 0; start < all.size();) {
+        const std::string name(all.data() + start);
+        start += name.size() + 1;
+        if (!copyExtendedAttribute(from, to, name.c_str()) && mustBeKept(name))
+            return failed(error);
+    }
+    return true;
+}
+
+// An owner that cannot be kept is an error, not a file that silently changes hands.
+bool copyOwnerAndMode(int from, int to, std::error_code& error) {
+    struct stat wanted {};
+    struct stat present {};
+    if (::fstat(from, &wanted) != 0 || ::fstat(to, &present) != 0) return failed(error);
+    if ((wanted.st_uid != present.st_uid || wanted.st_gid != present.st_gid) &&
+        ::fchown(to, wanted.st_uid, wanted.st_gid) != 0)
+        return failed(error);
+    return ::fchmod(to, wanted.st_mode & 07777) == 0 || failed(error);
+}
+
+bool copyByHand(int from, int to, std::int64_t offset, std::int64_t size, std::int64_t position,
+                std::error_code& error) {
+    std::vector<std::byte> buffer(std::size_t{1} << 20);
+    while (size > 0) {
+        const auto count = static_cast<std::size_t>(
+            std::min<std::int64_t>(size, static_cast<std::int64_t>(buffer.size())));
+        const ssize_t got = ::pread(from, buffer.data(), count, offset);
+        if (got < 0 && errno == EINTR) continue;
+        if (got < 0) return failed(error);
+        if (got == 0) return endedTooEarly(error);
+        for (ssize_t done = 0; done < got;) {
+            const ssize_t put = ::pwrite(to, buffer.data() + done,
+                                         static_cast<std::size_t>(got - done), position + done);
+            if (put < 0 && errno != EINTR) return failed(error);
+            done += std::max<ssize_t>(put, 0);
+        }
+        offset += got;
+        position += got;
+        size -= got;
+    }
+    return true;
+}
+
+}  // namespace
+
+bool FileHandle::openForReading(const std::filesystem::path& path, std::error_code& error) {
+    close();
+    handle_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    return handle_ >= 0 || failed(error);
+}
+
+bool FileHandle::createNew(const std::filesystem::path& path, std::error_code& error) {
+    close();
+    handle_ = ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    return handle_ >= 0 || failed(error);
+}
+
+void FileHandle::close() {
+    if (handle_ >= 0) ::close(static_cast<int>(handle_));
+    handle_ = -1;
+}
+
+bool FileHandle::readAt(std::int64_t position, std::span<std::byte> bytes,
+                        std::error_code& error) const {
+    while (!bytes.empty()) {
+        const ssize_t got =
+            ::pread(static_cast<int>(handle_), bytes.data(), bytes.size(), position);
+        if (got < 0 && errno == EINTR) continue;
+        if (got < 0) return failed(error);
+        if (got == 0) return endedTooEarly(error);
+        bytes = bytes.subspan(static_cast<std::size_t>(got));
+        position += got;
+    }
+    return true;
+}
+
+bool FileHandle::writeAt(std::int64_t position, std::span<const std::byte> bytes,
+                         std::error_code& error) {
+    while (!bytes.empty()) {
+        const ssize_t put =
+            ::pwrite(static_cast<int>(handle_), bytes.data(), bytes.size(), position);
+        if (put < 0 && errno == EINTR) continue;
+        if (put < 0) return failed(error);
+        bytes = bytes.subspan(static_cast<std::size_t>(put));
+        position += put;
+    }
+    return true;
+}
+
+bool FileHandle::copyFrom(const FileHandle& source, std::int64_t offset, std::int64_t size,
+                          std::int64_t position, std::error_code& error) {
+    const int from = static_cast<int>(source.handle_);
+    const int to = static_cast<int>(handle_);
+    while (size > 0) {
+        off_t in = offset;
+        off_t out = position;
+        const auto count =
+            static_cast<std::size_t>(std::min<std::int64_t>(size, std::int64_t{64} << 20));
+        const ssize_t done = ::copy_file_range(from, &in, to, &out, count, 0);
+        if (done < 0 && errno == EINTR) continue;
+        if (done < 0 && (errno == ENOSPC || errno == EIO || errno == EFBIG || errno == EDQUOT))
+            return failed(error);
+        // Across file systems, or where the system does not know the call.
+        if (done < 0) return copyByHand(from, to, offset, size, position, error);
+        if (done == 0) return endedTooEarly(error);
+        offset += done;
+        position += done;
+        size -= done;
+    }
+    return true;
+}
+
+bool FileHandle::copyAttributesOf(const std::filesystem::path& other, std::error_code& error) {
+    FileHandle source;
+    if (!source.openForReading(other, error)) return false;
+    const int from = static_cast<int>(source.handle_);
+    const int to = static_cast<int>(handle_);
+    return copyOwnerAndMode(from, to, error) && copyExtendedAttributes(from, to, error);
+}
+
+bool FileHandle::sync(std::error_code& error) {
+    return ::fsync(static_cast<int>(handle_)) == 0 || failed(error);
+}
+
+bool isWritable(const std::filesystem::path& path) {
+    return ::access(path.c_str(), W_OK) == 0;
+}
+
+bool replaceFile(const std::filesystem::path& from, const std::filesystem::path& to,
+                 std::error_code& error) {
+    if (::rename(from.c_str(), to.c_str()) != 0) return failed(error);
+    // The new file is in its place already; a folder that cannot be synced changes nothing there.
+    const int folder = ::open(to.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (folder >= 0) {
+        ::fsync(folder);
+        ::close(folder);
+    }
+    return true;
+}
+
+}  // namespace platform
+
+#else
+
+#include <windows.h>
+
+namespace platform {
+namespace {
+
+bool failed(std::error_code& error) {
+    error.assign(static_cast<int>(GetLastError()), std::system_category());
+    return false;
+}
+
+HANDLE native(std::intptr_t handle) {
+    return reinterpret_cast<HANDLE>(handle);
+}
+
+OVERLAPPED at(std::int64_t position) {
+    OVERLAPPED place{};
+    place.Offset = static_cast<DWORD>(position);
+    place.OffsetHigh = static_cast<DWORD>(position >> 32);
+    return place;
+}
+
+}  // namespace
+
+bool FileHandle::openForReading(const std::filesystem::path& path, std::error_code& error) {
+    close();
+    handle_ = reinterpret_cast<std::intptr_t>(CreateFileW(
+        path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+        OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    return handle_ != -1 || failed(error);
+}
+
+bool FileHandle::createNew(const std::filesystem::path& path, std::error_code& error) {
+    close();
+    handle_ = reinterpret_cast<std::intptr_t>(
+        CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE,
+                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, CREATE_NEW,
+                    FILE_ATTRIBUTE_NORMAL, nullptr));
+    return handle_ != -1 || failed(error);
+}
+
+void FileHandle::close() {
+    if (handle_ != -1) CloseHandle(native(handle_));
+    handle_ = -1;
+}
+
+bool FileHandle::readAt(std::int64_t position, std::span<std::byte> bytes,
+                        std::error_code& error) const {
+    while (!bytes.empty()) {
+        OVERLAPPED place = at(position);
+        DWORD got = 0;
+        const auto count = static_cast<DWORD>(std::min<std::size_t>(bytes.size(), 1U << 30));
+        if (ReadFile(native(handle_), bytes.data(), count, &got, &place) == 0) return failed(error);
+        bytes = bytes.subspan(got);
+        position += got;
+    }
+    return true;
+}
+
+bool FileHandle::writeAt(std::int64_t position, std::span<const std::byte> bytes,
+                         std::error_code& error) {
+    while (!bytes.empty()) {
+        OVERLAPPED place = at(position);
+        DWORD put = 0;
+        const auto count = static_cast<DWORD>(std::min<std::size_t>(bytes.size(), 1U << 30));
+        if (WriteFile(native(handle_), bytes.data(), count, &put, &place) == 0)
+            return failed(error);
+        bytes = bytes.subspan(put);
+        position += put;
+    }
+    return true;
+}
+
+bool FileHandle::copyFrom(const FileHandle& source, std::int64_t offset, std::int64_t size,
+                          std::int64_t position, std::error_code& error) {
+    std::vector<std::byte> buffer(std::size_t{1} << 20);
+    while (size > 0) {
+        const std::span<std::byte> part(buffer.data(),
+                                        static_cast<std::size_t>(std::min<std::int64_t>(
+                                            size, static_cast<std::int64_t>(buffer.size()))));
+        if (!source.readAt(offset, part, error) || !writeAt(position, part, error)) return false;
+        const auto count = static_cast<std::int64_t>(part.size());
+        offset += count;
+        position += count;
+        size -= count;
+    }
+    return true;
+}
+
+bool FileHandle::copyAttributesOf(const std::filesystem::path&, std::error_code&) {
+    return true;
+}
+
+bool FileHandle::sync(std::error_code& error) {
+    return FlushFileBuffers(native(handle_)) != 0 || failed(error);
+}
+
+bool isWritable(const std::filesystem::path& path) {
+    const DWORD attributes = GetFileAttributesW(path.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) == 0;
+}
+
+bool replaceFile(const std::filesystem::path& from, const std::filesystem::path& to,
+                 std::error_code& error) {
+    // ReplaceFile keeps the target's access list, attributes and streams, but needs a target.
+    if (GetFileAttributesW(to.c_str()) == INVALID_FILE_ATTRIBUTES)
+        return MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_WRITE_THROUGH) != 0 || failed(error);
+    return ReplaceFileW(to.c_str(), from.c_str(), nullptr, REPLACEFILE_WRITE_THROUGH, nullptr,
+                        nullptr) != 0 ||
+           failed(error);
+}
+
+}  // namespace platform
+
+#endif

@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <span>
+#include <system_error>
+
+namespace platform {
+
+/// One open file of the system, closed with the value. The functions answer whether they succeeded
+/// and fill `error` where they did not; the callers know the sentence that belongs to it.
+class FileHandle {
+  public:
+    FileHandle() = default;
+    ~FileHandle() { close(); }
+    FileHandle(const FileHandle&) = delete;
+    FileHandle& operator=(const FileHandle&) = delete;
+
+    bool openForReading(const std::filesystem::path& path, std::error_code& error);
+    /// Creates the file, with the mode any new file gets; fails where it exists.
+    bool createNew(const std::filesystem::path& path, std::error_code& error);
+    void close();
+
+    /// Reads exactly these bytes; a file that ends before is an error.
+    bool readAt(std::int64_t position, std::span<std::byte> bytes, std::error_code& error) const;
+    bool writeAt(std::int64_t position, std::span<const std::byte> bytes, std::error_code& error);
+    /// Copies exactly `size` bytes, sharing the blocks on the disk where the system can.
+    bool copyFrom(const FileHandle& source, std::int64_t offset, std::int64_t size,
+                  std::int64_t position, std::error_code& error);
+
+    /// Owner, mode, access lists and extended attributes of another file. On Windows nothing:
+    /// replaceFile() keeps them there.
+    bool copyAttributesOf(const std::filesystem::path& other, std::error_code& error);
+    /// To the disk, not only to the system.
+    bool sync(std::error_code& error);
+
+  private:
+    std::intptr_t handle_ = -1;
+};
+
+/// Whether the user may write to an existing file.
+bool isWritable(const std::filesystem::path& path);
+
+/// Puts `from` in the place of `to` in one step and makes that durable. Afterwards `from` is gone;
+/// after an error both are as they were.
+bool replaceFile(const std::filesystem::path& from, const std::filesystem::path& to,
+                 std::error_code& error);
+
+}  // namespace platform
