@@ -6,6 +6,8 @@
 
 #include <QtGlobal>
 
+#include "platform/SystemError.h"
+
 #ifndef Q_OS_WIN
 
 #include <cerrno>
@@ -20,7 +22,7 @@ namespace platform {
 namespace {
 
 bool failed(std::error_code& error) {
-    error.assign(errno, std::generic_category());
+    error = lastSystemError();
     return false;
 }
 
@@ -199,7 +201,7 @@ namespace platform {
 namespace {
 
 bool failed(std::error_code& error) {
-    error.assign(static_cast<int>(GetLastError()), std::system_category());
+    error = lastSystemError();
     return false;
 }
 
