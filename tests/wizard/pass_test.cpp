@@ -1,0 +1,272 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <QFile>
+#include <gtest/gtest.h>
+
+#include "tests/support/TempFolder.h"
+#include "tests/wizard/FakeEditor.h"
+#include "tests/wizard/RecordingHost.h"
+#include "wizard/Texts.h"
+#include "wizard/TransformationPass.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+class PassTest : public testing::Test {
+  protected:
+    void SetUp() override { support::FakeEditor::reset(); }
+
+    void addFiles(int count) {
+        for (int n = 1; n <= count; ++n) session.addFile(u"/in/Song%1.mp3"_s.arg(n));
+    }
+    QStringList run() {
+        wizard::TransformationPass(editor, session, host).run();
+        return fake.calls;
+    }
+
+    support::FakeEditor& fake = support::FakeEditor::instance();
+    effects::AudioEditor editor;
+    wizard::Session session;
+    support::RecordingHost host;
+};
+
+TEST_F(PassTest, WithoutTargetPathSaysSoAndChangesNothing) {
+    addFiles(2);
+    host.chosen.targetPath.clear();
+    EXPECT_TRUE(run().isEmpty());
+    EXPECT_EQ(host.said, QStringList{u"Target path MUST be set before proceeding!"_s});
+    EXPECT_EQ(session.List1.rowCount(), 0);
+    EXPECT_TRUE(host.statuses.isEmpty());
+}
+
+TEST_F(PassTest, CallsTheEngineInTheFixedOrder) {
+    addFiles(1);
+    host.chosen.trimSilence = host.chosen.normalize = true;
+    host.chosen.fadeOut = host.chosen.fadeIn = true;
+    session.settings.fadeOutMs = 5000;
+    EXPECT_EQ(run(), (QStringList{
+                         u"CloseSound()"_s,
+                         u"Load(/in/Song1.mp3)"_s,
+                         u"SelectWholeFile()"_s,
+                         u"TrimSilence(-20, 100, 2)"_s,
+                         u"Normalize(100, true)"_s,
+                         u"SetSelectionActive(true)"_s,
+                         u"SetSelectionStart(220500)"_s,
+                         u"SetSelectionEnd(441000)"_s,
+                         u"Fade(100, 10)"_s,
+                         u"SetSelectionActive(true)"_s,
+                         u"SetSelectionStart(0)"_s,
+                         u"SetSelectionEnd(1323000)"_s,
+                         u"Fade(10, 100)"_s,
+                         u"SetKeepTags(true)"_s,
+                         u"SetKeepTags(true)"_s,
+                         u"SetOutputFormatWav(44100, 2, 16)"_s,
+                         u"Save(/out/Song1.wav, false, 0)"_s,
+                         u"CloseSound()"_s,
+                     }));
+    EXPECT_EQ(session.settings.fadeInMs, 30000);
+    EXPECT_EQ(host.said, QStringList{u"Transformation completed!"_s});
+}
+
+TEST_F(PassTest, TouchesNothingThatIsNotTicked) {
+    addFiles(1);
+    host.chosen.tags = wizard::TagChoice::SetNew;
+    EXPECT_EQ(run(),
+              (QStringList{u"CloseSound()"_s, u"Load(/in/Song1.mp3)"_s, u"SelectWholeFile()"_s,
+                           u"SetKeepTags(true)"_s, u"SetOutputFormatWav(44100, 2, 16)"_s,
+                           u"Save(/out/Song1.wav, false, 0)"_s, u"CloseSound()"_s}));
+}
+
+TEST_F(PassTest, NormalizesAt100WhateverWasChosenInTheWindow) {
+    addFiles(2);
+    host.chosen.normalize = true;
+    session.settings.flan_val = 60;  // where the window puts the chosen value
+    run();
+    EXPECT_EQ(fake.calls.count(u"Normalize(100, true)"_s), 2);
+}
+
+TEST_F(PassTest, FadeOutWithoutALengthStartsThirtySecondsBeforeTheEnd) {
+    addFiles(1);
+    host.chosen.fadeOut = true;
+    run();
+    EXPECT_TRUE(fake.calls.contains(u"SetSelectionStart(-882000)"_s));  // the sound has ten seconds
+    EXPECT_EQ(session.settings.fadeOutMs, 30000);
+}
+
+TEST_F(PassTest, WritesMp3WithRateBitRateAndChannels) {
+    addFiles(1);
+    host.chosen.format = u"MP3"_s;
+    host.chosen.bitRate = u"192-bit"_s;
+    host.chosen.frequency = u"11050"_s;
+    host.chosen.channels = u"Mono"_s;
+    host.chosen.tags = wizard::TagChoice::Strip;
+    run();
+    EXPECT_TRUE(fake.calls.contains(u"SetOutputFormatMp3(11025, 192, 1)"_s));
+    EXPECT_TRUE(fake.calls.contains(u"Save(/out/Song1.mp3, false, 0)"_s));
+    EXPECT_EQ(fake.calls.lastIndexOf(u"SetKeepTags(false)"_s),
+              fake.calls.indexOf(u"SetKeepTags(true)"_s) + 1);
+}
+
+TEST_F(PassTest, CutsThreeCharactersOfAnyName) {
+    session.addFile(u"/in/Track.flac"_s);
+    run();
+    EXPECT_EQ(session.List1.stringList(), QStringList{u"/out/Track.fwav"_s});
+}
+
+TEST_F(PassTest, APrefixKeepsTheNameOfTheFileBefore) {
+    addFiles(3);
+    host.chosen.hasPrefix = true;
+    run();
+    EXPECT_EQ(session.List1.stringList(),
+              (QStringList{u"/out/wav"_s, u"/out/wav"_s, u"/out/wav"_s}));
+
+    session.settings.FileName = u"Before."_s;
+    run();
+    EXPECT_EQ(session.List1.stringList().first(), u"/out/Before.wav"_s);
+}
+
+TEST_F(PassTest, ASeparatorThatTheTargetLacksIsNotAdded) {
+    addFiles(1);
+    host.chosen.targetPath = u"/out"_s;
+    run();
+    EXPECT_EQ(session.List1.stringList(), QStringList{u"/outSong1.wav"_s});
+}
+
+TEST_F(PassTest, AnUnknownFormatWritesNothingAndListsTheLastPath) {
+    addFiles(1);
+    host.chosen.format = u"AU"_s;
+    run();
+    EXPECT_TRUE(fake.calls.filter(u"Save"_s).isEmpty());
+    EXPECT_EQ(session.List1.rowCount(), 1);
+}
+
+TEST_F(PassTest, StopInFileThreeOfTenEndsAfterIt) {
+    addFiles(10);
+    fake.during = [&](const QString& call) {
+        if (call == u"Load(/in/Song3.mp3)"_s) session.stop();
+    };
+    run();
+    EXPECT_EQ(session.List1.stringList().last(), u"/out/Song3.wav"_s);
+    EXPECT_TRUE(fake.calls.contains(u"Save(/out/Song3.wav, false, 0)"_s));
+    EXPECT_EQ(session.List1.rowCount(), 3);
+    EXPECT_EQ(host.said, QStringList{u"Transformation completed!"_s});
+    EXPECT_EQ(session.settings.i_count, 0);
+}
+
+TEST_F(PassTest, StopStillLeadsToTheRounds) {
+    addFiles(3);
+    host.chosen.crossFade = true;
+    fake.during = [&](const QString& call) {
+        if (call == u"Load(/in/Song2.mp3)"_s) session.stop();
+    };
+    run();
+    EXPECT_EQ(session.List1.rowCount(), 2);
+    EXPECT_EQ(host.burnQuestions, 1);
+    EXPECT_TRUE(host.said.isEmpty());
+    EXPECT_TRUE(fake.calls.contains(u"MixFile(/out/1_Song2.wav, 100, 100)"_s));
+}
+
+TEST_F(PassTest, TakesInFilesThatAreAddedMeanwhile) {
+    addFiles(1);
+    bool added = false;
+    fake.during = [&](const QString&) {
+        if (!std::exchange(added, true)) session.addFile(u"/in/Late.ogg"_s);
+    };
+    run();
+    EXPECT_EQ(session.List1.stringList().last(), u"/out/Late.wav"_s);
+}
+
+TEST_F(PassTest, SurvivesAListThatIsClearedMeanwhile) {
+    addFiles(4);
+    fake.during = [&](const QString& call) {
+        if (call.startsWith(u"Load"_s)) session.lstFiles.setStringList({});
+    };
+    run();
+    EXPECT_EQ(session.List1.rowCount(), 1);
+}
+
+TEST_F(PassTest, AFailingFileIsPassedOverAndListedAllTheSame) {
+    addFiles(3);
+    host.chosen.trimSilence = true;
+    fake.fails = [](const QString& call) {
+        static bool loaded = true;
+        if (call.startsWith(u"Load"_s)) loaded = !call.contains(u"Song2"_s);
+        return !loaded && !call.startsWith(u"Set"_s) && !call.startsWith(u"Close"_s);
+    };
+    run();
+    EXPECT_EQ(session.List1.rowCount(), 3);
+    EXPECT_EQ(host.failures, QStringList{u"Load(/in/Song2.mp3) failed."_s});
+    EXPECT_TRUE(fake.calls.contains(u"Save(/out/Song3.wav, false, 0)"_s));
+    EXPECT_EQ(host.said, QStringList{u"Transformation completed!"_s});
+}
+
+TEST_F(PassTest, ShowsItsProgress) {
+    addFiles(2);
+    run();
+    EXPECT_EQ(host.maximum, 2);
+    EXPECT_EQ(host.progress, (QList<int>{1, 2, 0}));
+    EXPECT_EQ(host.engineProgress, 0);
+    EXPECT_EQ(host.selectedFiles, (QList<int>{0, 1}));
+    EXPECT_EQ(host.statuses.first(),
+              u"Status: applying effects if selelected "
+              u"(i.e.fade, trim, normalization,format functions) ..."_s);
+}
+
+TEST_F(PassTest, AWindowThatGoesAwayEndsItInSilence) {
+    addFiles(3);
+    host.chosen.crossFade = true;
+    fake.during = [&](const QString& call) {
+        if (!call.startsWith(u"Load"_s)) return;
+        host.closed = true;
+        session.stop();
+    };
+    run();
+    EXPECT_EQ(session.List1.rowCount(), 1);
+    EXPECT_TRUE(host.said.isEmpty());
+    EXPECT_EQ(host.burnQuestions, 0);
+}
+
+class OriginalsTest : public PassTest {
+  protected:
+    QString make(const QString& name) {
+        QFile file(folder.file(name));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        return file.fileName();
+    }
+    support::TempFolder folder;
+};
+
+TEST_F(OriginalsTest, ATargetThatHoldsAnOriginalIsRefused) {
+    session.addFile(make(u"Song.wav"_s));
+    host.chosen.targetPath = folder.file({});
+    EXPECT_TRUE(run().isEmpty());
+    ASSERT_EQ(host.said.size(), 1);
+    EXPECT_TRUE(host.said.first().contains(folder.file(u"Song.wav"_s)));
+}
+
+TEST_F(OriginalsTest, SoIsOneThatLeadsToItByALink) {
+    session.addFile(make(u"Song.wav"_s));
+    ASSERT_TRUE(QFile::link(folder.file({}), folder.file(u"link"_s)));
+    host.chosen.targetPath = folder.file(u"link/"_s);
+    EXPECT_TRUE(run().isEmpty());
+}
+
+TEST_F(OriginalsTest, AnotherEndingIsNoDanger) {
+    session.addFile(make(u"Song.mp3"_s));
+    host.chosen.targetPath = folder.file({});
+    run();
+    EXPECT_TRUE(fake.calls.contains(u"Save(%1, false, 0)"_s.arg(folder.file(u"Song.wav"_s))));
+}
+
+TEST_F(OriginalsTest, AHeadFileNeverReplacesAnOriginal) {
+    session.addFile(u"/in/Song.mp3"_s);
+    session.addFile(make(u"1_wav"_s));
+    host.chosen.targetPath = folder.file({});
+    host.chosen.hasPrefix = host.chosen.crossFade = true;  // every result is named "wav"
+    run();
+    EXPECT_TRUE(fake.calls.contains(u"Save(%1, false, 0)"_s.arg(folder.file(u"wav"_s))));
+    EXPECT_TRUE(fake.calls.filter(u"1_wav, true"_s).isEmpty());
+    EXPECT_FALSE(host.failures.isEmpty());
+}
+
+}  // namespace

@@ -1,0 +1,150 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <limits>
+
+#include <gtest/gtest.h>
+
+#include "tests/wizard/FakeEditor.h"
+#include "tests/wizard/RecordingHost.h"
+#include "wizard/CrossFadeRounds.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+class RoundsTest : public testing::Test {
+  protected:
+    void SetUp() override { support::FakeEditor::reset(); }
+
+    QStringList run(const QStringList& results) {
+        session.List1.setStringList(results);
+        wizard::CrossFadeRounds(editor, session, host).run();
+        return fake.calls;
+    }
+
+    support::FakeEditor& fake = support::FakeEditor::instance();
+    effects::AudioEditor editor;
+    wizard::Session session;
+    support::RecordingHost host;
+};
+
+const QStringList Three = {u"/out/A.wav"_s, u"/out/B.wav"_s, u"/out/C.wav"_s};
+
+TEST_F(RoundsTest, CallsTheEngineInTheFixedOrder) {
+    session.settings.crossfade_value = 5000;
+    EXPECT_EQ(run({u"/out/A.wav"_s, u"/out/B.wav"_s}), (QStringList{
+                                                           u"CloseSound()"_s,
+                                                           u"Load(/out/B.wav)"_s,
+                                                           u"SetSelectionActive(false)"_s,
+                                                           u"SetSelectionActive(true)"_s,
+                                                           u"SetSelectionEnd(220500)"_s,
+                                                           u"Save(/out/1_B.wav, true, 0)"_s,
+                                                           u"DeleteSelection()"_s,
+                                                           u"SetSelectionActive(false)"_s,
+                                                           u"Save(/out/B.wav, false, 0)"_s,
+                                                           u"CloseSound()"_s,
+                                                           u"Load(/out/A.wav)"_s,
+                                                           u"SetSelectionActive(false)"_s,
+                                                           u"SetSelectionActive(true)"_s,
+                                                           u"SetSelectionStart(220500)"_s,
+                                                           u"SetSelectionEnd(441000)"_s,
+                                                           u"MixFile(/out/1_B.wav, 100, 100)"_s,
+                                                           u"Save(/out/A.wav, false, 0)"_s,
+                                                           u"SetSelectionActive(false)"_s,
+                                                       }));
+}
+
+TEST_F(RoundsTest, OverlapsThreeTracksByTwentySecondsUnlessTold) {
+    run(Three);
+    EXPECT_EQ(session.settings.crossfade_value, 20000);
+    EXPECT_EQ(fake.calls.filter(u"Save"_s),
+              (QStringList{u"Save(/out/1_B.wav, true, 0)"_s, u"Save(/out/B.wav, false, 0)"_s,
+                           u"Save(/out/2_C.wav, true, 0)"_s, u"Save(/out/C.wav, false, 0)"_s,
+                           u"Save(/out/A.wav, false, 0)"_s, u"Save(/out/B.wav, false, 0)"_s}));
+    EXPECT_EQ(fake.calls.filter(u"MixFile"_s), (QStringList{u"MixFile(/out/1_B.wav, 100, 100)"_s,
+                                                            u"MixFile(/out/2_C.wav, 100, 100)"_s}));
+    EXPECT_EQ(host.selectedResults, (QList<int>{1, 2, 0, 1}));
+    EXPECT_TRUE(host.resultsShown);
+    EXPECT_EQ(
+        host.statuses,
+        (QStringList{u"Status: starting first round of the 'pre-burn crossfade process' ..."_s,
+                     u"Status: starting second round of the 'pre-burn crossfade process' ..."_s,
+                     u"Status: idle"_s}));
+}
+
+TEST_F(RoundsTest, ASingleEntryRunsNeitherLoopButIsOfferedForBurning) {
+    EXPECT_EQ(run({u"/out/A.wav"_s}), (QStringList{u"CloseSound()"_s, u"CloseSound()"_s}));
+    EXPECT_EQ(host.burnQuestions, 1);
+}
+
+TEST_F(RoundsTest, AnOverlapLongerThanTheTrackStartsBeforeIt) {
+    session.settings.crossfade_value = 50000;
+    run({u"/out/A.wav"_s, u"/out/B.wav"_s});
+    EXPECT_TRUE(fake.calls.contains(u"SetSelectionStart(-1764000)"_s));
+    EXPECT_EQ(fake.calls.last(), u"SetSelectionActive(false)"_s);
+}
+
+TEST_F(RoundsTest, AStartThatIsNoPositionEndsTheRound) {
+    fake.length = std::numeric_limits<std::int32_t>::min() + 5;
+    run(Three);
+    EXPECT_TRUE(fake.calls.filter(u"MixFile"_s).isEmpty());
+    EXPECT_FALSE(fake.calls.contains(u"Save(/out/A.wav, false, 0)"_s));
+    EXPECT_EQ(host.burnQuestions, 1);
+}
+
+TEST_F(RoundsTest, AMissingHeadFileLeavesTheTrackAsItIs) {
+    fake.fails = [](const QString& call) { return call.startsWith(u"MixFile(/out/1_B"_s); };
+    run(Three);
+    EXPECT_TRUE(fake.calls.contains(u"Save(/out/A.wav, false, 0)"_s));
+    EXPECT_TRUE(fake.calls.contains(u"MixFile(/out/2_C.wav, 100, 100)"_s));
+}
+
+TEST_F(RoundsTest, AHeadThatCouldNotBeWrittenStaysOnItsTrack) {
+    fake.fails = [](const QString& call) { return call == u"Save(/out/1_B.wav, true, 0)"_s; };
+    run(Three);
+    EXPECT_EQ(fake.calls.count(u"DeleteSelection()"_s), 1);  // C's alone
+    EXPECT_FALSE(fake.calls.contains(u"MixFile(/out/1_B.wav, 100, 100)"_s));
+    EXPECT_TRUE(fake.calls.contains(u"MixFile(/out/2_C.wav, 100, 100)"_s));
+    EXPECT_EQ(host.failures.size(), 1);
+}
+
+TEST_F(RoundsTest, AHeadIsNotHeardTwiceWhenItsTrackCouldNotBeCut) {
+    fake.fails = [](const QString& call) { return call == u"Save(/out/B.wav, false, 0)"_s; };
+    run(Three);
+    EXPECT_FALSE(fake.calls.contains(u"MixFile(/out/1_B.wav, 100, 100)"_s));
+}
+
+TEST_F(RoundsTest, StopEndsARoundAfterTheEntryInHand) {
+    session.lstFiles.setStringList(Three);
+    fake.during = [&](const QString& call) {
+        if (call == u"Load(/out/B.wav)"_s) session.stop();
+    };
+    run(Three);
+    EXPECT_FALSE(fake.calls.contains(u"Load(/out/C.wav)"_s));
+    EXPECT_TRUE(fake.calls.contains(u"Save(/out/1_B.wav, true, 0)"_s));
+    // C kept its head: an old head file of the same name is not mixed over B.
+    EXPECT_EQ(fake.calls.filter(u"MixFile"_s), QStringList{u"MixFile(/out/1_B.wav, 100, 100)"_s});
+}
+
+TEST_F(RoundsTest, NoWritesNoBurnList) {
+    run(Three);
+    EXPECT_EQ(host.burnQuestions, 1);
+    EXPECT_TRUE(host.burned.isEmpty());
+}
+
+TEST_F(RoundsTest, YesHandsTheChangedTracksOverInOrder) {
+    host.burnAnswer = true;
+    run(Three);
+    EXPECT_EQ(host.burned, Three);
+    EXPECT_EQ(host.selectedResults, (QList<int>{1, 2, 0, 1, 0, 1, 2}));
+}
+
+TEST_F(RoundsTest, AWindowThatGoesAwayIsAskedNothing) {
+    fake.during = [&](const QString& call) {
+        if (call.startsWith(u"DeleteSelection"_s)) host.closed = true;
+    };
+    run(Three);
+    EXPECT_EQ(host.burnQuestions, 0);
+    EXPECT_TRUE(fake.calls.filter(u"MixFile"_s).isEmpty());
+}
+
+}  // namespace

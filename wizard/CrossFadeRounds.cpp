@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "wizard/CrossFadeRounds.h"
+
+#include <cstdint>
+
+#include "wizard/Attempts.h"
+#include "wizard/GuardedSave.h"
+#include "wizard/Naming.h"
+#include "wizard/Texts.h"
+
+namespace wizard {
+
+CrossFadeRounds::CrossFadeRounds(effects::AudioEditor& editor, Session& session, Host& host)
+    : editor_(editor), session_(session), host_(host) {}
+
+void CrossFadeRounds::run() {
+    cutHeads();
+    if (host_.abandoned()) return;
+    mixHeads();
+    if (host_.abandoned()) return;
+    host_.showStatus(texts::StatusIdle.toString());
+    offerBurn();
+}
+
+void CrossFadeRounds::cutHeads() {
+    host_.showStatus(texts::StatusFirstRound.toString());
+    host_.showResults();
+    Settings& settings = session_.settings;
+    if (settings.crossfade_value == 0) settings.crossfade_value = DefaultOverlapMs;
+    editor_.CloseSound();
+    const int last = session_.List1.rowCount() - 1;
+    for (settings.i_count = 1; settings.i_count <= last; ++settings.i_count)
+        cutHead(settings.i_count);
+}
+
+void CrossFadeRounds::cutHead(int index) {
+    host_.selectResult(index);
+    const QString path = result(index);
+    const QString head = headFile(host_.options().targetPath, index, path);
+    Attempts attempt(host_);
+    attempt([&] { editor_.Load(path); });
+    editor_.SetSelectionActive(false);
+    editor_.SetSelectionActive(true);
+    attempt([&] {
+        editor_.SetSelectionEnd(editor_.TimeToPosition(session_.settings.crossfade_value));
+    });
+    // What lies in no file yet must not be cut away.
+    if (!attempt([&] { guardedSave(editor_, session_.originals, head, true); })) return;
+    attempt([&] { editor_.DeleteSelection(); });
+    editor_.SetSelectionActive(false);
+    if (attempt([&] { guardedSave(editor_, session_.originals, path, false); })) cut_.insert(index);
+}
+
+void CrossFadeRounds::mixHeads() {
+    host_.showStatus(texts::StatusSecondRound.toString());
+    auto& i_count = session_.settings.i_count;
+    editor_.CloseSound();
+    const int last = session_.List1.rowCount() - 2;
+    for (i_count = 0; i_count <= last; ++i_count)
+        if (!mixHead(i_count)) return;
+}
+
+bool CrossFadeRounds::mixHead(int index) {
+    host_.selectResult(index);
+    const QString path = result(index);
+    Attempts attempt(host_);
+    attempt([&] { editor_.Load(path); });
+    editor_.SetSelectionActive(false);
+    editor_.SetSelectionActive(true);
+    bool inRange = true;
+    attempt([&] { inRange = selectTail(); });
+    if (!inRange) return false;
+    const QString head = headFile(host_.options().targetPath, index + 1, result(index + 1));
+    if (cut_.contains(index + 1)) attempt([&] { editor_.MixFile(head, 100.0F, 100.0F); });
+    attempt([&] { guardedSave(editor_, session_.originals, path, false); });
+    editor_.SetSelectionActive(false);
+    return true;
+}
+
+bool CrossFadeRounds::selectTail() {
+    const std::int32_t overlap = editor_.TimeToPosition(session_.settings.crossfade_value);
+    const std::int64_t start = std::int64_t{editor_.GetLength()} - overlap;
+    if (start != static_cast<std::int32_t>(start)) return false;
+    editor_.SetSelectionStart(static_cast<std::int32_t>(start));
+    editor_.SetSelectionEnd(editor_.GetLength());
+    return true;
+}
+
+void CrossFadeRounds::offerBurn() {
+    if (!host_.askReadyToBurn()) return;
+    for (int index = 0; index < session_.List1.rowCount(); ++index) host_.selectResult(index);
+    host_.burn(session_.List1.stringList());
+}
+
+QString CrossFadeRounds::result(int index) const {
+    return session_.List1.stringList().value(index);
+}
+
+}  // namespace wizard

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <set>
+
+#include "effects/engine/AudioEditor.h"
+#include "wizard/Host.h"
+#include "wizard/Session.h"
+
+namespace wizard {
+
+/// The two rounds over the files that the pass wrote (the session's results): the first cuts the
+/// head of every track after the first into a file of its own, the second mixes each head over the
+/// tail of the track before. Played without a gap, the files are one continuous mix. The rounds
+/// apply no fade; the head files stay in the target folder.
+///
+/// An engine call that fails is passed over. A head goes into the mix only if it was cut off its
+/// own track in this run, so that no sound is lost and none is heard twice: a track whose head
+/// could not be written stays whole, and a head file that an earlier run left behind is never
+/// mixed.
+///
+/// Runs in the caller's thread and yields only through the engine's progress. session.stop() ends
+/// each round after the entry in hand.
+class CrossFadeRounds {
+  public:
+    CrossFadeRounds(effects::AudioEditor& editor, Session& session, Host& host);
+
+    /// Both rounds, then the question about burning and the burn itself.
+    void run();
+
+  private:
+    void cutHeads();
+    void cutHead(int index);
+    void mixHeads();
+    /// False where the round has to end.
+    bool mixHead(int index);
+    /// Selects the overlap at the end; false where its start is no position.
+    bool selectTail();
+    void offerBurn();
+    QString result(int index) const;
+
+    effects::AudioEditor& editor_;
+    Session& session_;
+    Host& host_;
+    std::set<int> cut_;  ///< entries whose head lies in its file and no longer in their track
+};
+
+}  // namespace wizard

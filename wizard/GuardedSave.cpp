@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "wizard/GuardedSave.h"
+
+#include "platform/Error.h"
+
+namespace wizard {
+
+void guardedSave(effects::AudioEditor& editor, const Originals& originals, const QString& path,
+                 bool selectionOnly) {
+    if (originals.contains(path))
+        throw platform::Error(path.toStdString() +
+                              " is one of the files to transform and is not written over.");
+    editor.Save(path, selectionOnly, 0);
+}
+
+}  // namespace wizard

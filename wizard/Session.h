@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <set>
+
+#include <QString>
+#include <QStringListModel>
+
+#include "wizard/Settings.h"
+
+namespace wizard {
+
+/// The user's own files: whatever the wizard was ever asked to read. The wizard writes none of
+/// them.
+class Originals {
+  public:
+    void add(const QString& path);
+
+    /// Whether this path is one of them, under whatever name (links are followed).
+    bool contains(const QString& path) const;
+
+  private:
+    std::set<QString> paths_;
+};
+
+/// One visit to the wizard: its settings and its lists. A window shows the lists as they are, and
+/// both may change while a pass runs. The thread of the window (or of the command line) only.
+struct Session {
+    Settings settings;
+    QStringListModel lstFiles;   ///< full paths of the files to transform
+    QStringListModel lstFiles2;  ///< bare names of those that were added inside the wizard
+    QStringListModel List1;      ///< full paths of the results, in the order of lstFiles
+    Originals originals;         ///< what the run in hand must not write
+
+    void addFile(const QString& path);         ///< into lstFiles, as the playlist is handed over
+    void addFileAndName(const QString& path);  ///< into lstFiles and lstFiles2
+    void stop();                               ///< ends the running pass or round after its file
+};
+
+/// Adds an entry at the end of a list.
+void append(QStringListModel& list, const QString& text);
+
+}  // namespace wizard

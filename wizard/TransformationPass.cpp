@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "wizard/TransformationPass.h"
+
+#include "wizard/CrossFadeRounds.h"
+#include "wizard/GuardedSave.h"
+#include "wizard/Naming.h"
+#include "wizard/OutputFormat.h"
+#include "wizard/Texts.h"
+
+namespace wizard {
+
+using namespace Qt::Literals::StringLiterals;
+
+TransformationPass::TransformationPass(effects::AudioEditor& editor, Session& session, Host& host)
+    : editor_(editor), session_(session), host_(host) {}
+
+void TransformationPass::run() {
+    if (host_.options().targetPath.isEmpty()) return host_.say(texts::TargetPathMissing.toString());
+
+    session_.originals = {};
+    for (const QString& path : session_.lstFiles.stringList()) session_.originals.add(path);
+    if (const QString path = originalInTheWay(); !path.isEmpty())
+        return host_.say(texts::originalInTheWay(path));
+
+    transformAll();
+    if (host_.abandoned()) return;
+    if (host_.options().crossFade)
+        CrossFadeRounds(editor_, session_, host_).run();
+    else
+        host_.say(texts::Completed.toString());
+}
+
+QString TransformationPass::originalInTheWay() const {
+    const Options options = host_.options();
+    for (const QString& path : session_.lstFiles.stringList()) {
+        const QString stem = options.hasPrefix ? session_.settings.FileName : outputStem(path);
+        const QString output = options.targetPath + stem + fileEnding(options.format);
+        if (session_.originals.contains(output)) return output;
+    }
+    return {};
+}
+
+void TransformationPass::transformAll() {
+    editor_.CloseSound();
+    session_.List1.setStringList({});
+    host_.setFileMaximum(session_.lstFiles.rowCount());
+
+    auto& i_count = session_.settings.i_count;
+    for (i_count = 0; i_count < session_.lstFiles.rowCount(); ++i_count) {
+        const QString path = session_.lstFiles.stringList().at(i_count);
+        host_.selectFile(i_count);
+        transform(path);
+        append(session_.List1, outputPath_);
+        host_.setFileProgress(i_count + 1);
+    }
+
+    editor_.CloseSound();
+    i_count = 0;
+    host_.setFileProgress(0);
+    host_.setEngineProgress(0);
+}
+
+void TransformationPass::transform(const QString& path) {
+    const Options options = host_.options();
+    Attempts attempt(host_);
+    session_.originals.add(path);
+    attempt([&] { editor_.Load(path); });
+    host_.showStatus(texts::StatusApplying.toString());
+    applyEffects(attempt, options);
+    fade(attempt, options);
+    editor_.SetKeepTags(true);
+    // A prefix keeps the name of the file before, and is itself never used.
+    if (!options.hasPrefix) session_.settings.FileName = outputStem(path);
+    save(attempt, options);
+}
+
+void TransformationPass::applyEffects(Attempts& attempt, const Options& options) {
+    auto& norm_val = session_.settings.norm_val;
+    attempt([&] { editor_.SelectWholeFile(); });
+    if (options.trimSilence) attempt([&] { editor_.TrimSilence(-20.0F, 100.0F, 2); });
+    if (!options.normalize) return;
+    if (!norm_val) norm_val = 100.0;
+    attempt([&] { editor_.Normalize(static_cast<float>(*norm_val), true); });
+}
+
+void TransformationPass::fade(Attempts& attempt, const Options& options) {
+    Settings& settings = session_.settings;
+    if (options.fadeOut) {
+        if (settings.fadeOutMs == 0) settings.fadeOutMs = DefaultFadeMs;
+        attempt([&] {
+            const auto length = editor_.GetLength();
+            fadeRange(length - editor_.TimeToPosition(settings.fadeOutMs), length, 100.0F, 10.0F);
+        });
+    }
+    if (options.fadeIn) {
+        if (settings.fadeInMs == 0) settings.fadeInMs = DefaultFadeMs;
+        attempt([&] { fadeRange(0, editor_.TimeToPosition(settings.fadeInMs), 10.0F, 100.0F); });
+    }
+}
+
+void TransformationPass::fadeRange(std::int32_t start, std::int32_t end, float from, float to) {
+    editor_.SetSelectionActive(true);
+    editor_.SetSelectionStart(start);
+    editor_.SetSelectionEnd(end);
+    editor_.Fade(from, to);
+}
+
+void TransformationPass::save(Attempts& attempt, const Options& options) {
+    const QString ending = fileEnding(options.format);
+    if (ending.isEmpty()) return;
+    Settings& settings = session_.settings;
+    readFormat(options, settings);
+    if (options.tags == TagChoice::LeaveAsIs) editor_.SetKeepTags(true);
+    if (options.tags == TagChoice::Strip) editor_.SetKeepTags(false);
+    outputPath_ = options.targetPath + settings.FileName + ending;
+    attempt([&] {
+        if (ending == u"wav"_s)
+            editor_.SetOutputFormatWav(settings.Freq, settings.Chan, settings.my_wav_bitrate);
+        else
+            editor_.SetOutputFormatMp3(settings.Freq, settings.my_wav_bitrate, settings.Chan);
+    });
+    attempt([&] { guardedSave(editor_, session_.originals, outputPath_, false); });
+}
+
+}  // namespace wizard

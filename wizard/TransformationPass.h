@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+
+#include <QString>
+
+#include "effects/engine/AudioEditor.h"
+#include "wizard/Attempts.h"
+#include "wizard/Host.h"
+#include "wizard/Session.h"
+
+namespace wizard {
+
+/// What the wizard's start button does: every file of the session is loaded, trimmed, normalized
+/// and faded as ticked, and saved in the chosen format into the target folder; with a cross fade
+/// ticked, the two rounds follow. Of all that the window offers it uses trim, normalize, the two
+/// fades, the format, the tag choice and the cross fade.
+///
+/// A step that fails is passed over and the next one is taken; the results list gets every file's
+/// path all the same. The originals are never written: where the target folder holds one of them
+/// under a result's name, the pass says so and does nothing.
+///
+/// Runs in the caller's thread and yields only through the engine's progress. session.stop() ends
+/// the loop after the file in hand.
+class TransformationPass {
+  public:
+    TransformationPass(effects::AudioEditor& editor, Session& session, Host& host);
+
+    /// The whole run, up to its closing message or the question about burning.
+    void run();
+
+  private:
+    QString originalInTheWay() const;
+    void transformAll();
+    void transform(const QString& path);
+    void applyEffects(Attempts& attempt, const Options& options);
+    void fade(Attempts& attempt, const Options& options);
+    void fadeRange(std::int32_t start, std::int32_t end, float from, float to);
+    void save(Attempts& attempt, const Options& options);
+
+    effects::AudioEditor& editor_;
+    Session& session_;
+    Host& host_;
+    QString outputPath_;  ///< the last one built, which a file of no format repeats
+};
+
+}  // namespace wizard
