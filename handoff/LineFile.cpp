@@ -3,7 +3,6 @@
 
 #include <QByteArray>
 #include <QStringEncoder>
-#include <QStringList>
 
 #include "platform/Error.h"
 
@@ -25,7 +24,7 @@ LineFile::LineFile(const QString& path) : file_(path) {
 void LineFile::writeLine(const QString& text) {
     QStringEncoder utf8(QStringEncoder::Utf8, QStringEncoder::Flag::Stateless);
     const QByteArray line = utf8.encode(text + QStringLiteral("\r\n"));
-    if (utf8.hasError())
+    if (utf8.hasError() || text.contains(QLatin1Char('\n')) || text.contains(QLatin1Char('\r')))
         throw unwritable(file_.fileName(),
                          QStringLiteral("“%1” cannot be put into a text file").arg(text));
     if (file_.write(line) != line.size()) throw unwritable(file_.fileName(), file_.errorString());

@@ -3,6 +3,7 @@
 
 #include <QFile>
 #include <QString>
+#include <QStringList>
 
 namespace handoff {
 
@@ -13,7 +14,8 @@ class LineFile {
     /// Creates or truncates. Throws platform::Error where the file cannot be opened.
     explicit LineFile(const QString& path);
 
-    /// Throws platform::Error where the text has no UTF-8 form or the line cannot be written.
+    /// Throws platform::Error where the text has no UTF-8 form or would not stay one line, or where
+    /// it cannot be written.
     void writeLine(const QString& text);
 
   private:
