@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <vector>
+
+#include <QByteArray>
+#include <QString>
+
+#include "player/engine/Playlist.h"
+
+namespace player {
+
+/// M3U: one path a line, CR LF, UTF-8 without a mark, no header and no comments, since companion
+/// programs take every line for a file. Throws platform::Error for a path that no line can hold (a
+/// line break, or half of a surrogate pair). Pure.
+QByteArray writeM3u(const std::vector<Entry>& entries);
+
+/// PLS version 2: File, Title (the file name where an entry has no title), Length (seconds, -1
+/// where unknown), the exact number of entries; CR LF, UTF-8. Throws like writeM3u.
+QByteArray writePls(const std::vector<Entry>& entries);
+
+/// Puts bytes in the place of a file (of the one behind it, where it is a symbolic link): whole, or
+/// not at all. Throws platform::Error.
+void replaceListFile(const QString& path, const QByteArray& bytes);
+
+}  // namespace player
