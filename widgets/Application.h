@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QApplication>
+
+namespace widgets {
+
+/// The application object, and the place of the error style "unhandled": an exception that escapes
+/// an event handler ends that handler, is shown in a message box, and the event loop goes on.
+class Application : public QApplication {
+    Q_OBJECT
+  public:
+    /// Sets name and titles; argc must outlive the object, as QApplication asks.
+    Application(int& argc, char** argv);
+
+    bool notify(QObject* receiver, QEvent* event) override;
+};
+
+}  // namespace widgets

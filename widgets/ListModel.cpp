@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "widgets/ListModel.h"
+
+namespace widgets {
+
+void ListModel::setColumns(const QStringList& captions) {
+    beginResetModel();
+    columns_ = captions;
+    rows_.clear();
+    endResetModel();
+}
+
+void ListModel::setRows(std::vector<QStringList> rows) {
+    beginResetModel();
+    rows_ = std::move(rows);
+    endResetModel();
+}
+
+void ListModel::append(const QString& text) {
+    const int row = static_cast<int>(rows_.size());
+    beginInsertRows({}, row, row);
+    rows_.push_back({text});
+    endInsertRows();
+}
+
+void ListModel::setCell(int row, int column, const QString& text) {
+    QStringList& texts = rows_.at(static_cast<std::size_t>(row));
+    while (texts.size() <= column) texts.append(QString());
+    if (texts[column] == text) return;
+    texts[column] = text;
+    Q_EMIT dataChanged(index(row, column), index(row, column));
+}
+
+QString ListModel::cell(int row, int column) const {
+    return rows_.at(static_cast<std::size_t>(row)).value(column);
+}
+
+int ListModel::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(rows_.size());
+}
+
+int ListModel::columnCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(columns_.size());
+}
+
+QVariant ListModel::data(const QModelIndex& index, int role) const {
+    if (!index.isValid()) return {};
+    if (role == Qt::DisplayRole || role == Qt::ToolTipRole)
+        return cell(index.row(), index.column());
+    return {};
+}
+
+QVariant ListModel::headerData(int section, Qt::Orientation orientation, int role) const {
+    if (orientation == Qt::Horizontal && role == Qt::DisplayRole) return columns_.value(section);
+    if (role == Qt::TextAlignmentRole) return QVariant(Qt::AlignLeft | Qt::AlignVCenter);
+    return {};
+}
+
+Qt::ItemFlags ListModel::flags(const QModelIndex& index) const {
+    const Qt::ItemFlags onRow = Qt::ItemIsSelectable | Qt::ItemIsEnabled | Qt::ItemNeverHasChildren;
+    return index.isValid() ? onRow : Qt::ItemFlags(Qt::ItemIsDropEnabled);
+}
+
+Qt::DropActions ListModel::supportedDropActions() const {
+    return Qt::CopyAction;
+}
+
+}  // namespace widgets

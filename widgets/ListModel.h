@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <vector>
+
+#include <QAbstractTableModel>
+#include <QStringList>
+
+namespace widgets {
+
+/// The rows of a ListView as plain texts, one QStringList per row. Zero-based, as Qt counts.
+class ListModel : public QAbstractTableModel {
+    Q_OBJECT
+  public:
+    using QAbstractTableModel::QAbstractTableModel;
+
+    void setColumns(const QStringList& captions);
+    void setRows(std::vector<QStringList> rows);
+    void append(const QString& text);
+    void setCell(int row, int column, const QString& text);
+    QString cell(int row, int column) const;
+
+    int rowCount(const QModelIndex& parent = {}) const override;
+    int columnCount(const QModelIndex& parent = {}) const override;
+    QVariant data(const QModelIndex& index, int role) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+    Qt::ItemFlags flags(const QModelIndex& index) const override;
+    Qt::DropActions supportedDropActions() const override;
+
+  private:
+    QStringList columns_;
+    std::vector<QStringList> rows_;
+};
+
+}  // namespace widgets
