@@ -14,6 +14,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPointer>
+#include <QPushButton>
 #include <QTest>
 #include <QTimer>
 
@@ -30,6 +31,7 @@ class Watcher : public QObject {
   public:
     Watcher() {
         connect(&timer_, &QTimer::timeout, this, [this] { look(); });
+        timer_.setSingleShot(true);
         timer_.start(10);
     }
 
@@ -37,6 +39,7 @@ class Watcher : public QObject {
 
   private:
     void look() {
+        timer_.start(10);  // anew each time: a press may lead into an event loop of its own
         QWidget* modal = QApplication::activeModalWidget();
         if (!modal || !modal->isVisible() || modal == answered_) return waiting_.invalidate();
         if (!pending.empty()) {
