@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "handoff/RenameCommand.h"
+
+#include <filesystem>
+#include <vector>
+
+#include <QFile>
+
+#include "app/modules/modPath.h"
+#include "handoff/Host.h"
+#include "handoff/ReplaceListLine.h"
+#include "platform/AtomicFile.h"
+#include "platform/Error.h"
+#include "platform/MoveFile.h"
+#include "platform/Paths.h"
+#include "platform/RenameFile.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace handoff {
+namespace {
+
+struct SelectedFile {
+    int row;
+    QString path;
+};
+
+std::vector<SelectedFile> selectedFiles(const Host& host) {
+    std::vector<SelectedFile> files;
+    const int rows = host.rowCount();
+    for (int row = 1; row <= rows; ++row)
+        if (host.rowSelected(row)) files.push_back({row, host.entryPath(row - 1)});
+    return files;
+}
+
+bool isRenamingWanted(Host& host, const QString& path) {
+    return host.askYesNo(u"Would you like to rename this selected file: \r\n"_s + path +
+                             u"\r\nthen automatically update the loaded playlist?  "_s,
+                         u"Rename file?"_s);
+}
+
+QByteArray readWhole(const QString& path) {
+    QFile file(path);
+    if (file.open(QIODevice::ReadOnly)) {
+        const QByteArray bytes = file.readAll();
+        if (file.error() == QFile::NoError) return bytes;
+    }
+    throw platform::Error("The playlist “" + path.toStdString() +
+                          "” could not be read: " + file.errorString().toStdString() + ".");
+}
+
+void removePlaylist(const QString& path) {
+    QFile file(path);
+    if (!file.remove())
+        throw platform::Error("The playlist “" + path.toStdString() +
+                              "” could not be replaced: " + file.errorString().toStdString() + ".");
+}
+
+/// The scratch file is about to be overwritten.
+void refuseAsScratch(const std::filesystem::path& scratch, const QString& needed) {
+    std::error_code unreadable;
+    if (std::filesystem::equivalent(scratch, platform::toPath(needed), unreadable))
+        throw platform::Error("The playlist could not be revised: “" + needed.toStdString() +
+                              "” has the name of the file it is revised through.");
+}
+
+void revisePlaylist(const QString& playlist, const QString& folder, const QString& oldPath,
+                    const QString& newPath) {
+    const std::filesystem::path scratch = platform::toPath(folder + u"mytemp.dat"_s);
+    refuseAsScratch(scratch, playlist);
+    refuseAsScratch(scratch, newPath);
+    const QByteArray revised = replaceListLine(readWhole(playlist), oldPath, newPath);
+    platform::AtomicFile file(scratch);
+    file.write(revised.constData(), static_cast<std::size_t>(revised.size()));
+    file.commit();
+    removePlaylist(playlist);
+    platform::moveFile(scratch, platform::toPath(playlist));
+}
+
+bool isListWithFile(const QString& caption) {
+    return !caption.isEmpty() && caption != u"Playlist loaded: New list not yet saved."_s;
+}
+
+void renameTo(Host& host, const SelectedFile& file, const QString& name) {
+    const QString folder = modPath::GetPathPart(file.path);
+    const QString newPath = folder + name + file.path.right(4);
+    host.showMessage(file.path + u"    "_s + newPath);
+    platform::renameFile(platform::toPath(file.path), platform::toPath(newPath));
+    const QString caption = host.playlistCaption();
+    if (!isListWithFile(caption)) {
+        host.setTitleCell(file.row, name);
+        return;
+    }
+    revisePlaylist(caption, folder, file.path, newPath);
+    host.showMessage(u"The file has been renamed as: "_s + newPath +
+                     u" and the playlist revised to reflect this change.\r\n\r\n"
+                     u"TIP:  if this is an MP3 file it is also advisable to edit the 'Title' ID "
+                     u"tag to reflect this new file name then reload the playlist!"_s);
+    host.reloadPlaylist();
+}
+
+}  // namespace
+
+void renameSelectedFiles(Host& host) {
+    for (const SelectedFile& file : selectedFiles(host)) {
+        host.yield();
+        if (host.entryPath(file.row - 1) != file.path) continue;
+        if (!isRenamingWanted(host, file.path)) continue;
+        const QString name = host.inputBox(u"Please input new file name without the extension."_s,
+                                           u"Rename file..."_s);
+        if (!name.isEmpty()) renameTo(host, file, name);
+    }
+}
+
+}  // namespace handoff
