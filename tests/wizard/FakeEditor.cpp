@@ -82,6 +82,16 @@ std::int32_t AudioEditor::TimeToPosition(std::int32_t milliseconds) const {
 void AudioEditor::SelectWholeFile() {
     record("SelectWholeFile");
 }
+void AudioEditor::Amplify(float percent) {
+    record("Amplify", percent);
+}
+void AudioEditor::InsertSilence(std::int32_t milliseconds) {
+    record("InsertSilence", milliseconds);
+}
+void AudioEditor::Echo(float time, float depth, float gain, float rate, float cutoff,
+                       std::int32_t count) {
+    record("Echo", time, depth, gain, rate, cutoff, count);
+}
 void AudioEditor::Fade(float startPercent, float endPercent) {
     record("Fade", startPercent, endPercent);
 }

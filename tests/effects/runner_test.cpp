@@ -1,0 +1,258 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The order of a run's steps, on a window and an engine that write down what is asked of them.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "app/modules/modMain.h"
+#include "effects/batch/BatchRunner.h"
+#include "tests/effects/RecordingHost.h"
+
+using namespace Qt::Literals::StringLiterals;
+using support::FakeEditor;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::Not;
+
+namespace {
+
+class Runner : public testing::Test {
+  protected:
+    Runner() {
+        FakeEditor::reset();
+        host.runner = &runner;
+        modMain::EffectMode = modMain::ModeNormalize;
+        modMain::SelectedCount = 0;
+        job.hideDialog = [] { log(u"hide dialog"_s); };
+        job.unloadDialog = [] { log(u"unload dialog"_s); };
+        job.effect = [](effects::AudioEditor& editor, const effects::CallGuard& guard) {
+            guard([&] { editor.Amplify(55); });
+        };
+        job.closingMessage = u"Done."_s;
+    }
+
+    static void log(const QString& what) { FakeEditor::instance().calls << what; }
+    static QStringList calls() { return FakeEditor::instance().calls; }
+    static QStringList calls(const QString& beginning) { return calls().filter(beginning); }
+    void list(int rows, std::set<int> selected) {
+        host.rows = rows;
+        host.selected = std::move(selected);
+    }
+    static void failAt(const QString& part) {
+        FakeEditor::instance().fails = [part](const QString& call) { return call.contains(part); };
+    }
+
+    support::RecordingRunnerHost host;
+    effects::BatchRunner runner{host};
+    effects::BatchJob job;
+};
+
+TEST_F(Runner, TakesItsStepsInOrder) {
+    list(3, {2});
+    job.readSettings = [] { log(u"read settings"_s); };
+    job.deselectAtEnd = true;
+    runner.run(job);
+    const QStringList expected{u"stop"_s,
+                               u"hide dialog"_s,
+                               u"yield"_s,
+                               u"disable buttons"_s,
+                               u"disable list"_s,
+                               u"hide editor"_s,
+                               u"read settings"_s,
+                               u"yield"_s,
+                               u"bar maximum 2"_s,
+                               u"yield"_s,
+                               u"show bar"_s,
+                               u"bar 1"_s,
+                               u"Load(/music/1.wav)"_s,
+                               u"yield"_s,
+                               u"status [Working on: 1.wav]"_s,
+                               u"yield"_s,
+                               u"Amplify(55)"_s,
+                               u"save step"_s,
+                               u"yield"_s,
+                               u"Save(/music/1.wav, true, 0)"_s,
+                               u"yield"_s,
+                               u"hide bar"_s,
+                               u"status []"_s,
+                               u"bar 0"_s,
+                               u"SetSelectionActive(false)"_s,
+                               u"message [Done.]"_s,
+                               u"enable buttons"_s,
+                               u"enable list"_s,
+                               u"show editor"_s,
+                               u"unload dialog"_s};
+    EXPECT_EQ(calls(), expected) << calls().join(u'\n').toStdString();
+    EXPECT_EQ(host.name, u"/music/1.wav"_s);
+}
+
+TEST_F(Runner, ResetsModeAndCountAtTheEnd) {
+    list(2, {1, 2});
+    runner.run(job);
+    EXPECT_EQ(modMain::EffectMode, 0);
+    EXPECT_EQ(modMain::SelectedCount, 0);
+    EXPECT_FALSE(runner.running());
+}
+
+TEST_F(Runner, WithNothingSelectedStillShowsTheMessageAndAMaximumOfOne) {
+    list(3, {});
+    runner.run(job);
+    EXPECT_TRUE(calls().contains(u"bar maximum 1"_s));
+    EXPECT_TRUE(calls().contains(u"message [Done.]"_s));
+    EXPECT_TRUE(calls(u"Load"_s).isEmpty());
+    EXPECT_TRUE(calls(u"Save"_s).isEmpty());
+    EXPECT_FALSE(calls().contains(u"show bar"_s));
+}
+
+TEST_F(Runner, AnEmptyListIsNoTrouble) {
+    list(0, {});
+    runner.run(job);
+    EXPECT_TRUE(calls().contains(u"bar maximum 1"_s));
+    EXPECT_TRUE(calls().contains(u"enable list"_s));
+}
+
+TEST_F(Runner, NeverCountsTheLastRowButWorksOnIt) {
+    list(3, {1, 3});
+    runner.run(job);
+    EXPECT_TRUE(calls().contains(u"bar maximum 2"_s));
+    EXPECT_EQ(calls(u"Load"_s), (QStringList{u"Load(/music/0.wav)"_s, u"Load(/music/2.wav)"_s}));
+    EXPECT_TRUE(calls().contains(u"bar 2"_s));
+}
+
+TEST_F(Runner, GoesOnAfterEveryError) {
+    list(2, {1, 2});
+    FakeEditor::instance().fails = [](const QString&) { return true; };
+    host.stopFails = true;
+    runner.run(job);
+    EXPECT_EQ(calls(u"Amplify"_s).size(), 2);
+    EXPECT_EQ(calls(u"Save("_s),
+              (QStringList{u"Save(/music/0.wav, true, 0)"_s, u"Save(/music/1.wav, true, 0)"_s}));
+    EXPECT_TRUE(calls().contains(u"message [Done.]"_s));
+    EXPECT_TRUE(calls().contains(u"enable buttons"_s));
+}
+
+TEST_F(Runner, MarksAFailedRowWithTheFirstReason) {
+    list(2, {1, 2});
+    FakeEditor::instance().fails = [](const QString& call) {
+        return call.startsWith(u"Load(/music/1"_s) || call.startsWith(u"Save(/music/1"_s);
+    };
+    runner.run(job);
+    EXPECT_EQ(host.marks, (QMap<int, QString>{{2, u"Load(/music/1.wav) failed."_s}}));
+}
+
+TEST_F(Runner, AFailureOfStoppingIsNoFailureOfTheFirstFile) {
+    list(1, {1});
+    host.stopFails = true;
+    runner.run(job);
+    EXPECT_TRUE(host.marks.isEmpty());
+}
+
+TEST_F(Runner, TheNextRunTakesTheMarksAway) {
+    list(1, {1});
+    failAt(u"Save"_s);
+    runner.run(job);
+    EXPECT_EQ(host.marks.size(), 1);
+    FakeEditor::instance().fails = nullptr;
+    runner.trim();
+    EXPECT_TRUE(host.marks.isEmpty());
+}
+
+TEST_F(Runner, EndsAfterTheFileInHandWhenTheWindowIsClosed) {
+    list(3, {1, 2, 3});
+    FakeEditor::instance().during = [this](const QString& call) {
+        if (call.startsWith(u"Amplify"_s)) host.closed = true;
+    };
+    runner.run(job);
+    EXPECT_EQ(calls(u"Load"_s).size(), 1);
+    EXPECT_EQ(calls(u"Save("_s).size(), 1);
+    EXPECT_TRUE(calls(u"message"_s).isEmpty());
+    EXPECT_EQ(calls().last(), u"unload dialog"_s);
+}
+
+TEST_F(Runner, CannotBeStartedFromWithinItself) {
+    list(1, {1});
+    host.onYield = [this] {
+        EXPECT_TRUE(runner.running());
+        runner.run(job);
+        runner.trim();
+    };
+    runner.run(job);
+    EXPECT_EQ(calls(u"Load"_s).size(), 1);
+    EXPECT_EQ(calls(u"message"_s).size(), 1);
+}
+
+TEST_F(Runner, ProgressMovesTheBarWithinTheFileAndYields) {
+    list(1, {1});
+    FakeEditor::instance().during = [this](const QString&) { runner.progress(50); };
+    runner.run(job);
+    ASSERT_GE(host.fractions.size(), 6U);
+    EXPECT_TRUE(std::is_sorted(host.fractions.begin(), host.fractions.end()));
+    EXPECT_DOUBLE_EQ(host.fractions.front(), 0);
+    EXPECT_NEAR(host.fractions.back(), 5.0 / 6, 1e-9);
+}
+
+TEST_F(Runner, TheTrimPassHasNeitherBarNorCountNorMessage) {
+    list(3, {1, 3});
+    modMain::SelectedCount = 7;
+    runner.trim();
+    const QStringList expected{u"stop"_s,
+                               u"disable buttons"_s,
+                               u"disable list"_s,
+                               u"hide editor"_s,
+                               u"yield"_s,
+                               u"yield"_s,
+                               u"bar 1"_s,
+                               u"Load(/music/0.wav)"_s,
+                               u"yield"_s,
+                               u"status [Working on: 0.wav]"_s,
+                               u"yield"_s,
+                               u"SelectWholeFile()"_s,
+                               u"TrimSilence(-20, 100, 2)"_s,
+                               u"save step"_s,
+                               u"yield"_s,
+                               u"Save(/music/0.wav, true, 0)"_s,
+                               u"yield"_s,
+                               u"yield"_s,
+                               u"bar 2"_s,
+                               u"Load(/music/2.wav)"_s,
+                               u"yield"_s,
+                               u"status [Working on: 2.wav]"_s,
+                               u"yield"_s,
+                               u"SelectWholeFile()"_s,
+                               u"TrimSilence(-20, 100, 2)"_s,
+                               u"save step"_s,
+                               u"yield"_s,
+                               u"Save(/music/2.wav, true, 0)"_s,
+                               u"yield"_s,
+                               u"enable buttons"_s,
+                               u"enable list"_s,
+                               u"show editor"_s,
+                               u"status []"_s};
+    EXPECT_EQ(calls(), expected) << calls().join(u'\n').toStdString();
+    EXPECT_EQ(modMain::SelectedCount, 7);
+    EXPECT_EQ(modMain::EffectMode, modMain::ModeNormalize);
+}
+
+TEST_F(Runner, TheTrimPassSavesAlsoWhatCouldNotBeTrimmed) {
+    list(1, {1});
+    failAt(u"TrimSilence"_s);
+    runner.trim();
+    EXPECT_EQ(calls(u"Save("_s).size(), 1);
+    EXPECT_EQ(host.marks[1], u"TrimSilence(-20, 100, 2) failed."_s);
+}
+
+TEST_F(Runner, AJobWithoutAnEffectStillSavesEveryFile) {
+    list(2, {1, 2});
+    job.effect = nullptr;
+    runner.run(job);
+    EXPECT_EQ(calls(u"Save("_s).size(), 2);
+}
+
+TEST_F(Runner, TheSaveStepAloneIgnoresErrors) {
+    host.name = u"/music/x.wav"_s;
+    failAt(u"Save"_s);
+    runner.save();
+    EXPECT_EQ(calls(), (QStringList{u"yield"_s, u"Save(/music/x.wav, true, 0)"_s, u"yield"_s}));
+    EXPECT_TRUE(host.marks.isEmpty());
+}
+
+}  // namespace
