@@ -1,18 +1,23 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "widgets/ListModel.h"
 
+#include <QApplication>
+#include <QStyle>
+
 namespace widgets {
 
 void ListModel::setColumns(const QStringList& captions) {
     beginResetModel();
     columns_ = captions;
     rows_.clear();
+    marks_.clear();
     endResetModel();
 }
 
 void ListModel::setRows(std::vector<QStringList> rows) {
     beginResetModel();
     rows_ = std::move(rows);
+    marks_.clear();
     endResetModel();
 }
 
@@ -35,6 +40,25 @@ QString ListModel::cell(int row, int column) const {
     return rows_.at(static_cast<std::size_t>(row)).value(column);
 }
 
+void ListModel::setMark(int row, const QString& reason) {
+    marks_[row] = reason;
+    changed(row);
+}
+
+void ListModel::clearMarks() {
+    const QList<int> rows = marks_.keys();
+    marks_.clear();
+    for (const int row : rows) changed(row);
+}
+
+QString ListModel::mark(int row) const {
+    return marks_.value(row);
+}
+
+void ListModel::changed(int row) {
+    Q_EMIT dataChanged(index(row, 0), index(row, columnCount() - 1));
+}
+
 int ListModel::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : static_cast<int>(rows_.size());
 }
@@ -45,6 +69,11 @@ int ListModel::columnCount(const QModelIndex& parent) const {
 
 QVariant ListModel::data(const QModelIndex& index, int role) const {
     if (!index.isValid()) return {};
+    if (const QString reason = mark(index.row()); !reason.isEmpty()) {
+        if (role == Qt::ToolTipRole || role == Qt::AccessibleDescriptionRole) return reason;
+        if (role == Qt::DecorationRole && index.column() == 0)
+            return QApplication::style()->standardIcon(QStyle::SP_MessageBoxWarning);
+    }
     if (role == Qt::DisplayRole || role == Qt::ToolTipRole)
         return cell(index.row(), index.column());
     return {};

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include <QAbstractTableModel>
+#include <QHash>
 #include <QStringList>
 
 namespace widgets {
@@ -19,6 +20,10 @@ class ListModel : public QAbstractTableModel {
     void append(const QString& text);
     void setCell(int row, int column, const QString& text);
     QString cell(int row, int column) const;
+    /// Marks stay with the row's number until new rows come.
+    void setMark(int row, const QString& reason);
+    void clearMarks();
+    QString mark(int row) const;  ///< the reason; empty where there is no mark
 
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
@@ -29,7 +34,10 @@ class ListModel : public QAbstractTableModel {
 
   private:
     QStringList columns_;
+    void changed(int row);
+
     std::vector<QStringList> rows_;
+    QHash<int, QString> marks_;  // reason by row
 };
 
 }  // namespace widgets

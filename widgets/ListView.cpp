@@ -29,6 +29,7 @@ ListView::ListView(QWidget* parent) : QTreeView(parent), model_(new ListModel(th
     setDragDropMode(DropOnly);
     setTabKeyNavigation(false);
     header()->setSectionsMovable(false);
+    connect(model_, &ListModel::modelReset, this, &ListView::refilled);
     connect(this, &QTreeView::doubleClicked, this,
             [this](const QModelIndex& index) { Q_EMIT rowDoubleClicked(index.row() + 1); });
 }
@@ -53,6 +54,18 @@ void ListView::clearRows() {
 void ListView::setRows(std::vector<QStringList> rows) {
     model_->setRows(std::move(rows));
     selectRow(1);
+}
+
+void ListView::setMark(int row, const QString& reason) {
+    if (row >= 1 && row <= rowCount()) model_->setMark(row - 1, reason);
+}
+
+void ListView::clearMarks() {
+    model_->clearMarks();
+}
+
+QString ListView::mark(int row) const {
+    return model_->mark(row - 1);
 }
 
 int ListView::addRow(const QString& text) {

@@ -33,6 +33,12 @@ class ListView : public QTreeView {
     QString subItem(int row, int subItem) const;  ///< subItem from 1; empty where there is none
     void setSubItem(int row, int subItem, const QString& text);
 
+    /// Marks a row with a warning sign, and the reason as its tooltip; until clearMarks() or new
+    /// rows.
+    void setMark(int row, const QString& reason);
+    void clearMarks();
+    QString mark(int row) const;  ///< the reason; empty where there is no mark
+
     /// The selected item, 0 without rows.
     int currentRow() const;
     /// Makes a row current and the only selected one; a number that no row has is ignored.
@@ -50,6 +56,7 @@ class ListView : public QTreeView {
 
   Q_SIGNALS:
     void rowDoubleClicked(int row);
+    void refilled();  ///< all rows were replaced; marks are gone
     /// Files dropped on the list; `row` = the row in front of which they were dropped, rowCount() +
     /// 1 behind the last.
     void filesDropped(const QList<QUrl>& urls, int row);
