@@ -7,6 +7,8 @@
 #include <CLI/CLI.hpp>
 
 #include "cli/Session.h"
+#include "cli/commands/ConvertList.h"
+#include "cli/commands/Copy.h"
 
 namespace cli {
 namespace {
@@ -15,7 +17,10 @@ constexpr int failure = 1;
 constexpr int badUsage = 2;
 
 // Every command, in the order in which the help lists them: one add<Name>Command from commands/.
-void addCommands(CLI::App&, Session&) {}
+void addCommands(CLI::App& app, Session& session) {
+    addCopyCommand(app, session);
+    addConvertListCommand(app, session);
+}
 
 }  // namespace
 

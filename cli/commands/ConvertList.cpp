@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "cli/commands/ConvertList.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+#include <QFileInfo>
+
+#include "audio/tags/TrackInfo.h"
+#include "cli/Session.h"
+#include "platform/Paths.h"
+#include "player/engine/ListReader.h"
+#include "player/engine/ListWriter.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace cli {
+namespace {
+
+struct ConvertArguments {
+    std::string from;
+    std::string to;
+};
+
+QString extensionOf(const std::string& path) {
+    return QFileInfo(QString::fromStdString(path)).suffix().toLower();
+}
+
+std::string refuseOtherExtensions(const std::string& path) {
+    const QString extension = extensionOf(path);
+    if (extension == u"m3u"_s || extension == u"m3u8"_s || extension == u"pls"_s) return {};
+    return path + " has no playlist's extension (m3u, m3u8 or pls).";
+}
+
+/// What the list says of a file, and where it says nothing, what the file does.
+player::Entry complete(const player::ListedEntry& listed) {
+    player::Entry entry;
+    entry.path = listed.path;
+    entry.title = listed.title;
+    entry.durationMs = listed.durationMs;
+    if (player::isUrl(entry.path) || (!entry.title.isEmpty() && entry.durationMs >= 0))
+        return entry;
+    const audio::tags::TrackInfo info = audio::tags::readTrackInfo(platform::toPath(entry.path));
+    if (entry.title.isEmpty()) entry.title = QString::fromStdString(info.title);
+    if (entry.durationMs < 0) entry.durationMs = info.durationMs;
+    return entry;
+}
+
+QByteArray written(const std::vector<player::ListedEntry>& listed, bool asPls) {
+    std::vector<player::Entry> entries;
+    for (const player::ListedEntry& entry : listed) {
+        entries.emplace_back();
+        entries.back().path = entry.path;
+        if (asPls) entries.back() = complete(entry);
+    }
+    return asPls ? player::writePls(entries) : player::writeM3u(entries);
+}
+
+void convertList(const ConvertArguments& arguments, Session& session) {
+    const QString from = QFileInfo(QString::fromStdString(arguments.from)).absoluteFilePath();
+    const QString to = QFileInfo(QString::fromStdString(arguments.to)).absoluteFilePath();
+    const bool asPls = extensionOf(arguments.to) == u"pls"_s;
+    player::replaceListFile(to, written(player::readListFile(from), asPls));
+    session.report().done(from, to);
+}
+
+}  // namespace
+
+void addConvertListCommand(CLI::App& app, Session& session) {
+    const auto arguments = std::make_shared<ConvertArguments>();
+    CLI::App* command =
+        app.add_subcommand("convert-list", "Writes a playlist in another format (M3U, PLS)");
+    command->add_option("in", arguments->from, "The playlist to read")->required()->type_name("IN");
+    command->add_option("out", arguments->to, "The playlist to write; its extension says how")
+        ->required()
+        ->check(refuseOtherExtensions)
+        ->type_name("OUT");
+    command->callback([arguments, &session] { convertList(*arguments, session); });
+}
+
+}  // namespace cli

@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "cli/commands/Copy.h"
+
+#include <exception>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+#include <QDir>
+#include <QFileInfo>
+
+#include "cli/Session.h"
+#include "handoff/CopyFiles.h"
+#include "handoff/LineFile.h"
+#include "handoff/PickedFolder.h"
+#include "platform/Error.h"
+#include "platform/Interrupt.h"
+#include "platform/Paths.h"
+#include "player/engine/ListReader.h"
+
+namespace cli {
+namespace {
+
+struct CopyArguments {
+    std::string list;
+    std::string folder;
+    bool player = false;
+};
+
+/// What each copy's name follows: the folder as typed, or with a separator at its end.
+QString targetOf(const CopyArguments& arguments) {
+    const QString typed = QString::fromStdString(arguments.folder);
+    const QString folder = handoff::pickedFolder(QFileInfo(typed).absoluteFilePath());
+    const bool separated = folder.endsWith(platform::nativeSeparator());
+    const bool wanted = !arguments.player || QDir::fromNativeSeparators(typed).endsWith(u'/');
+    return wanted && !separated ? folder + platform::nativeSeparator() : folder;
+}
+
+void copyOne(const handoff::CopyItem& item, const QString& target, std::size_t number,
+             Report& report) {
+    if (platform::interrupted()) throw platform::Error("The copying was interrupted.");
+    handoff::copyWhileYielding(item, target,
+                               [&](double fraction) { report.progress(number, fraction); });
+    report.done(item.source, target + item.name);
+}
+
+void copyAll(const std::vector<player::ListedEntry>& entries, const QString& target,
+             std::optional<handoff::LineFile>& list, Report& report) {
+    std::size_t number = 0;
+    for (const player::ListedEntry& entry : entries) {
+        const handoff::CopyItem item{entry.path, player::nameOf(entry.path)};
+        try {
+            copyOne(item, target, number++, report);
+            if (list) list->writeLine(handoff::projectListLine(item.name));
+        } catch (const std::exception& error) {
+            report.failed(item.source, QString::fromUtf8(error.what()));
+            return;
+        }
+    }
+}
+
+void copy(const CopyArguments& arguments, Session& session) {
+    const auto entries = player::readListFile(QString::fromStdString(arguments.list));
+    const QString target = targetOf(arguments);
+    std::optional<handoff::LineFile> list;
+    if (!arguments.player) list.emplace(target + handoff::projectListName);
+    Report& report = session.report();
+    report.begin(entries.size());
+    copyAll(entries, target, list, report);
+    report.end();
+}
+
+}  // namespace
+
+void addCopyCommand(CLI::App& app, Session& session) {
+    const auto arguments = std::make_shared<CopyArguments>();
+    CLI::App* command = app.add_subcommand("copy", "Copies the files of a playlist into a folder");
+    command->add_option("list", arguments->list, "The playlist")->required()->type_name("LIST");
+    command->add_option("--to", arguments->folder, "An existing folder")
+        ->required()
+        ->check(CLI::ExistingDirectory)
+        ->type_name("DIR");
+    command->add_flag("--player", arguments->player,
+                      "For a portable player: no list, and each copy is named DIR and the file's "
+                      "name put together as they stand (so end DIR with a separator)");
+    command->callback([arguments, &session] { copy(*arguments, session); });
+}
+
+}  // namespace cli
