@@ -28,10 +28,24 @@ void applyRamp(std::span<float> interleaved, int channels, const GainRamp& ramp,
     }
 }
 
+void applyRampToChannel(std::span<float> interleaved, int channels, int channel,
+                        const GainRamp& ramp, std::int64_t offset) {
+    const std::size_t frameSize = static_cast<std::size_t>(channels);
+    for (std::size_t i = static_cast<std::size_t>(channel); i < interleaved.size(); i += frameSize)
+        interleaved[i] *= static_cast<float>(ramp.factorAt(offset++));
+}
+
 float peak(std::span<const float> samples) {
     float highest = 0.0F;
     for (const float sample : samples) highest = std::max(highest, std::fabs(sample));
     return highest;
+}
+
+void raisePeaks(std::span<const float> interleaved, std::span<float> peaks) {
+    for (std::size_t i = 0; i < interleaved.size(); ++i) {
+        float& highest = peaks[i % peaks.size()];
+        highest = std::max(highest, std::fabs(interleaved[i]));
+    }
 }
 
 void mixInto(std::span<float> sound, std::span<const float> other, double soundFactor,

@@ -27,8 +27,14 @@ void applyGain(std::span<float> samples, double factor);
 void applyRamp(std::span<float> interleaved, int channels, const GainRamp& ramp,
                std::int64_t offset);
 
+/// The same on one channel, the others left alone.
+void applyRampToChannel(std::span<float> interleaved, int channels, int channel,
+                        const GainRamp& ramp, std::int64_t offset);
+
 /// The highest absolute sample; 0 for none.
 float peak(std::span<const float> samples);
+/// Raises `peaks`, one per channel, to the highest absolute samples of interleaved frames.
+void raisePeaks(std::span<const float> interleaved, std::span<float> peaks);
 
 /// sound = sound × soundFactor + other × otherFactor, over the shorter of both.
 void mixInto(std::span<float> sound, std::span<const float> other, double soundFactor,

@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "audio/edit/Saver.h"
+
+#include "audio/codec/Decoder.h"
+#include "audio/codec/Encoder.h"
+#include "audio/edit/Resampled.h"
+#include "audio/edit/SoundWriters.h"
+#include "platform/Error.h"
+#include "platform/Paths.h"
+
+namespace audio::edit {
+namespace {
+
+[[noreturn]] void refuse(const SaveJob& job, const std::string& reason) {
+    throw platform::Error("\"" + platform::toUtf8(job.source->path()) +
+                          "\" cannot be saved: " + reason + ".");
+}
+
+bool carriesChapters(codec::Container container) {
+    return container != codec::Container::Other;
+}
+
+// What a save would lose it must not begin.
+void requireCarriable(const SaveJob& job) {
+    const codec::Contents& contents = job.source->contents();
+    if (contents.audioStreams > 1) refuse(job, "it holds several sounds, and only one is edited");
+    if (contents.chained) refuse(job, "it is a chain of several sounds");
+    if (!job.sameFormat()) return;
+    if (contents.otherStreams > 0)
+        refuse(job, "it holds moving pictures or other data beside the sound");
+    if (contents.chapters > 0 && !carriesChapters(job.output.container))
+        refuse(job, "its chapters could not be carried over");
+}
+
+void requireEncoder(const SaveJob& job) {
+    if (codec::Encoder::canEncode(job.output)) return;
+    refuse(job, "there is no encoder for its format (" + job.output.codecName + ")");
+}
+
+}  // namespace
+
+bool SaveJob::sameFormat() const {
+    const codec::Format& input = source->format();
+    const bool sameShape = output.sampleRate == input.sampleRate &&
+                           output.channels == input.channels &&
+                           output.sampleType == input.sampleType;
+    if (!sameShape || output.container != input.container || output.codec != input.codec)
+        return false;
+    return output.codec == codec::Codec::Pcm ||
+           (output.codecName == input.codecName && output.bitRate == input.bitRate &&
+            output.variableBitRate == input.variableBitRate);
+}
+
+bool SaveJob::levelChanged() const {
+    return list.frames() > 0 && !list.keepsAnyOf(*source);
+}
+
+std::int64_t SaveJob::outputFrames() const {
+    return ResampledReader::length(list.frames(), list.shape(),
+                                   {output.sampleRate, output.channels});
+}
+
+SaveReport writeSound(const SaveJob& job, platform::AtomicFile& file, Work& work) {
+    requireCarriable(job);
+    requireEncoder(job);
+    job.source->requireUnchanged();
+    work.begin(job.list.frames());
+    return writeEncoded(job, file, work);
+}
+
+void verifySound(const std::filesystem::path& written, const SaveJob& job,
+                 const SaveReport& report) {
+    job.source->requireUnchanged();
+    codec::Decoder decoder(written);
+    const codec::Format& format = decoder.format();
+    if (format.sampleRate == job.output.sampleRate && format.channels == job.output.channels &&
+        decoder.frames() == report.frames)
+        return;
+    throw platform::Error("The finished file holds " + std::to_string(decoder.frames()) +
+                          " frames instead of " + std::to_string(report.frames) +
+                          ", so it was thrown away.");
+}
+
+}  // namespace audio::edit

@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "audio/edit/SoundFeed.h"
+
+#include <algorithm>
+
+#include "audio/dsp/Dither.h"
+#include "audio/edit/EditReader.h"
+#include "audio/edit/ReadAhead.h"
+#include "audio/edit/Resampled.h"
+#include "platform/Error.h"
+
+namespace audio::edit {
+namespace {
+
+constexpr std::size_t blockFrames = 16384;
+
+dsp::PcmFormat pcmFormatOf(codec::SampleType type) {
+    switch (type) {
+        case codec::SampleType::U8:
+            return dsp::PcmFormat::U8;
+        case codec::SampleType::S16:
+            return dsp::PcmFormat::S16;
+        case codec::SampleType::S24:
+            return dsp::PcmFormat::S24;
+        case codec::SampleType::S32:
+            return dsp::PcmFormat::S32;
+        case codec::SampleType::F64:
+            return dsp::PcmFormat::F64;
+        default:
+            return dsp::PcmFormat::F32;
+    }
+}
+
+// Of a lossless codec that is not PCM: the noise that PCM gets when it is turned into integers.
+void addDither(std::span<float> samples, int bits, std::uint64_t firstIndex) {
+    const float step = 1.0F / static_cast<float>(1 << (bits - 1));
+    for (float& sample : samples) {
+        if (sample != 0.0F) sample += step * dsp::ditherNoise(firstIndex);
+        ++firstIndex;
+    }
+}
+
+}  // namespace
+
+SoundFeed::SoundFeed(const SaveJob& job, codec::Encoder& encoder, Work& work)
+    : job_(job),
+      encoder_(encoder),
+      work_(work),
+      copiesPcm_(job.output.codec == codec::Codec::Pcm && job.sameFormat()),
+      converts_(job.list.shape() != Shape{job.output.sampleRate, job.output.channels}),
+      bits_(job.output.bitsPerSample) {}
+
+std::int64_t SoundFeed::run() {
+    std::int64_t rendered = 0;
+    for (const Run& run : runs()) {
+        if (run.untouched && copiesPcm_) {
+            copyPcm(run);
+        } else {
+            render(run);
+            rendered += run.range.end - run.range.start;
+        }
+    }
+    return rendered;
+}
+
+// Where nothing depends on what is untouched, all is one run: the encoder then gets the sound from
+// one reader that never stops reading ahead.
+std::vector<SoundFeed::Run> SoundFeed::runs() const {
+    const bool lossless = bits_ > 0;
+    if (job_.list.frames() == 0) return {};
+    if (converts_ || !lossless) return {{{0, job_.list.frames()}, false, 0}};
+    std::vector<Run> runs;
+    std::int64_t position = 0;
+    for (const Segment& segment : job_.list.segments()) {
+        const FrameRange range{position, position + segment.frames};
+        const bool untouched = segment.untouched(*job_.source);
+        position = range.end;
+        if (!untouched && !runs.empty() && !runs.back().untouched)
+            runs.back().range.end = range.end;
+        else
+            runs.push_back({range, untouched, segment.start});
+    }
+    return runs;
+}
+
+void SoundFeed::copyPcm(const Run& run) {
+    const std::size_t frameBytes = static_cast<std::size_t>(
+        codec::bytesPerSample(job_.output.sampleType) * job_.output.channels);
+    bytes_.resize(blockFrames * frameBytes);
+    auto decoder = job_.source->takeDecoder();
+    decoder->seek(run.sourceStart);
+    for (std::int64_t left = run.range.end - run.range.start; left > 0;) {
+        const auto wanted = static_cast<std::size_t>(
+            std::min<std::int64_t>(left, static_cast<std::int64_t>(blockFrames)));
+        const std::size_t got = decoder->readPcm(bytes_.data(), wanted);
+        if (got == 0) throw platform::Error("The sound ends before its stated length.");
+        encoder_.writePcm(bytes_.data(), got);
+        left -= static_cast<std::int64_t>(got);
+        written_ += static_cast<std::int64_t>(got);
+        work_.advance(static_cast<std::int64_t>(got));
+    }
+    job_.source->giveBack(std::move(decoder));
+}
+
+void SoundFeed::render(const Run& run) {
+    const Shape from = job_.list.shape();
+    const Shape to{job_.output.sampleRate, job_.output.channels};
+    std::unique_ptr<FrameReader> reader = std::make_unique<EditReader>(job_.list.slice(run.range));
+    if (converts_) reader = std::make_unique<ResampledReader>(std::move(reader), from, to);
+    ReadAhead ahead(std::move(reader), to.channels);
+    // Untouched sound of a lossless codec comes out of it as it went in, without noise.
+    const bool dithered = bits_ > 0 && bits_ <= 16 && !run.untouched;
+    std::vector<float> block(blockFrames * static_cast<std::size_t>(to.channels));
+    std::int64_t counted = 0;
+    while (const std::size_t got = ahead.read(block.data(), blockFrames)) {
+        store({block.data(), got * static_cast<std::size_t>(to.channels)}, dithered);
+        written_ += static_cast<std::int64_t>(got);
+        const std::int64_t done = (written_ * from.sampleRate) / to.sampleRate;
+        work_.advance(done - counted);
+        counted = done;
+    }
+}
+
+void SoundFeed::store(std::span<float> interleaved, bool dithered) {
+    const std::size_t channels = static_cast<std::size_t>(job_.output.channels);
+    const std::size_t frames = interleaved.size() / channels;
+    const std::uint64_t firstIndex = static_cast<std::uint64_t>(written_) * channels;
+    if (job_.output.codec == codec::Codec::Pcm) {
+        const dsp::PcmFormat format = pcmFormatOf(job_.output.sampleType);
+        bytes_.resize(interleaved.size() * dsp::bytesPerSample(format));
+        dsp::toPcm(interleaved, format, firstIndex, bytes_.data());
+        encoder_.writePcm(bytes_.data(), frames);
+        return;
+    }
+    if (dithered) addDither(interleaved, bits_, firstIndex);
+    encoder_.write(interleaved.data(), frames);
+}
+
+}  // namespace audio::edit

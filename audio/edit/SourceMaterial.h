@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "audio/codec/Decoder.h"
+#include "audio/edit/FileStamp.h"
+#include "audio/edit/Material.h"
+
+namespace audio::edit {
+
+/// The sound of a file on disk, at its own rate and channels. The file must stay as it was when it
+/// was opened: a reader opened after it has changed throws.
+class SourceMaterial : public Material {
+  public:
+    /// Opens and counts. Throws platform::Error naming file and reason, also where the sound is
+    /// longer than 2^31 - 1 frames or cannot be decoded.
+    explicit SourceMaterial(const std::filesystem::path& file);
+    ~SourceMaterial() override;
+
+    std::int64_t frames() const override { return frames_; }
+    std::unique_ptr<FrameReader> open() const override;
+
+    const std::filesystem::path& path() const { return path_; }
+    const codec::Format& format() const { return format_; }
+    const codec::Contents& contents() const { return contents_; }
+    Shape shape() const { return {format_.sampleRate, format_.channels}; }
+
+    /// Throws platform::Error where the file is no longer the one that was opened.
+    void requireUnchanged() const;
+    /// A decoder of the file, at any position. Give it back where it can serve again.
+    std::unique_ptr<codec::Decoder> takeDecoder() const;
+    void giveBack(std::unique_ptr<codec::Decoder> decoder) const;
+
+  private:
+    void testDecode(codec::Decoder& decoder) const;
+
+    std::filesystem::path path_;
+    FileStamp stamp_;
+    codec::Format format_;
+    codec::Contents contents_;
+    std::int64_t frames_ = 0;
+    mutable std::mutex mutex_;  // guards idle_
+    mutable std::vector<std::unique_ptr<codec::Decoder>> idle_;
+};
+
+}  // namespace audio::edit

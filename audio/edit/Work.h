@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+
+#include "platform/Error.h"
+
+namespace audio::edit {
+
+/// Thrown out of work that was told to stop.
+class Cancelled : public platform::Error {
+  public:
+    Cancelled() : platform::Error("The work was stopped.") {}
+};
+
+/// How far a piece of work has come, and whether it shall stop. One thread works, another watches;
+/// every function may be called by either.
+class Work {
+  public:
+    /// The size of all that is to be done, in units of the worker's choice.
+    void begin(std::int64_t total) {
+        done_ = 0;
+        total_ = total;
+    }
+    /// Some of it is done. Throws Cancelled after cancel().
+    void advance(std::int64_t units) {
+        done_ += units;
+        if (cancelled_) throw Cancelled();
+    }
+    void cancel() { cancelled_ = true; }
+    bool cancelled() const { return cancelled_; }
+
+    /// 0 to 99: the end is the end of the work, not of the counting.
+    int percent() const {
+        const std::int64_t total = total_;
+        const std::int64_t percent = total > 0 ? done_ * 100 / total : 0;
+        return static_cast<int>(percent < 99 ? percent : 99);
+    }
+
+  private:
+    std::atomic<std::int64_t> done_ = 0;
+    std::atomic<std::int64_t> total_ = 0;
+    std::atomic<bool> cancelled_ = false;
+};
+
+}  // namespace audio::edit

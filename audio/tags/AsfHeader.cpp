@@ -1,0 +1,205 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "audio/tags/AsfHeader.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstring>
+#include <span>
+#include <string>
+
+#include "audio/mpeg/FileReader.h"
+#include "audio/tags/AsfAttributes.h"
+#include "platform/Error.h"
+#include "platform/Paths.h"
+
+// Object layouts and identifiers: Advanced Systems Format Specification, revision 01.20.03.
+namespace audio::tags {
+namespace {
+
+using Bytes = std::vector<std::byte>;
+using Guid = std::array<std::uint8_t, 16>;
+
+constexpr std::size_t objectHeader = 24;          // identifier, size
+constexpr std::size_t fileHeader = 30;            // … number of objects, two reserved bytes
+constexpr std::size_t extensionHeader = 46;       // … reserved identifier, reserved, data size
+constexpr std::size_t fileSizeField = 40;         // in the file properties object
+constexpr std::uint64_t largestHeader = 1 << 28;  // pictures included
+
+constexpr Guid headerId{0x30, 0x26, 0xB2, 0x75, 0x8E, 0x66, 0xCF, 0x11,
+                        0xA6, 0xD9, 0x00, 0xAA, 0x00, 0x62, 0xCE, 0x6C};
+constexpr Guid filePropertiesId{0xA1, 0xDC, 0xAB, 0x8C, 0x47, 0xA9, 0xCF, 0x11,
+                                0x8E, 0xE4, 0x00, 0xC0, 0x0C, 0x20, 0x53, 0x65};
+constexpr Guid extensionId{0xB5, 0x03, 0xBF, 0x5F, 0x2E, 0xA9, 0xCF, 0x11,
+                           0x8E, 0xE3, 0x00, 0xC0, 0x0C, 0x20, 0x53, 0x65};
+constexpr Guid contentId{0x33, 0x26, 0xB2, 0x75, 0x8E, 0x66, 0xCF, 0x11,
+                         0xA6, 0xD9, 0x00, 0xAA, 0x00, 0x62, 0xCE, 0x6C};
+constexpr Guid extendedContentId{0x40, 0xA4, 0xD0, 0xD2, 0x07, 0xE3, 0xD2, 0x11,
+                                 0x97, 0xF0, 0x00, 0xA0, 0xC9, 0x5E, 0xA8, 0x50};
+constexpr Guid markerId{0x01, 0xCD, 0x87, 0xF4, 0x51, 0xA9, 0xCF, 0x11,
+                        0x8E, 0xE6, 0x00, 0xC0, 0x0C, 0x20, 0x53, 0x65};
+constexpr Guid scriptId{0x30, 0x1A, 0xFB, 0x1E, 0x62, 0x0B, 0xD0, 0x11,
+                        0xA3, 0x9B, 0x00, 0xA0, 0xC9, 0x03, 0x48, 0xF6};
+constexpr Guid brandingId{0xFA, 0xB3, 0x11, 0x22, 0x23, 0xBD, 0xD2, 0x11,
+                          0xB4, 0xB7, 0x00, 0xA0, 0xC9, 0x55, 0xFC, 0x6E};
+constexpr Guid paddingId{0x74, 0xD4, 0x06, 0x18, 0xDF, 0xCA, 0x09, 0x45,
+                         0xA4, 0xBA, 0x9A, 0xAB, 0xCB, 0x96, 0xAA, 0xE8};
+constexpr Guid metadataId{0xEA, 0xCB, 0xF8, 0xC5, 0xAF, 0x5B, 0x77, 0x48,
+                          0x84, 0x67, 0xAA, 0x8C, 0x44, 0xFA, 0x4C, 0xCA};
+constexpr Guid libraryId{0x94, 0x1C, 0x23, 0x44, 0x98, 0x94, 0xD1, 0x49,
+                         0xA1, 0x41, 0x1D, 0x13, 0x4E, 0x45, 0x70, 0x54};
+constexpr Guid languagesId{0xA9, 0x46, 0x43, 0x7C, 0xE0, 0xEF, 0xFC, 0x4B,
+                           0xB2, 0x29, 0x39, 0x3E, 0xDE, 0x41, 0x5C, 0x85};
+constexpr Guid encryptionId{0xFB, 0xB3, 0x11, 0x22, 0x23, 0xBD, 0xD2, 0x11,
+                            0xB4, 0xB7, 0x00, 0xA0, 0xC9, 0x55, 0xFC, 0x6E};
+constexpr Guid extendedEncryptionId{0x14, 0xE6, 0x8A, 0x29, 0x22, 0x26, 0x17, 0x4C,
+                                    0xB9, 0x35, 0xDA, 0xE0, 0x7E, 0xE9, 0x28, 0x9C};
+
+constexpr std::array carried{contentId, extendedContentId, markerId,  scriptId,   brandingId,
+                             paddingId, metadataId,        libraryId, languagesId};
+
+std::uint64_t number(std::span<const std::byte> bytes, std::size_t at, std::size_t size) {
+    std::uint64_t value = 0;
+    std::memcpy(&value, bytes.data() + at, size);
+    return value;
+}
+
+void setNumber(Bytes& bytes, std::size_t at, std::uint64_t value, std::size_t size) {
+    std::memcpy(bytes.data() + at, &value, size);
+}
+
+/// One object: header and body.
+struct Object {
+    std::span<const std::byte> bytes;
+
+    bool is(const Guid& id) const { return std::memcmp(bytes.data(), id.data(), id.size()) == 0; }
+    bool isCarried() const {
+        return std::any_of(carried.begin(), carried.end(),
+                           [this](const Guid& id) { return is(id); });
+    }
+};
+
+[[noreturn]] void damaged(const std::filesystem::path& file) {
+    throw platform::Error("The header of \"" + platform::toUtf8(file) +
+                          "\" is damaged, so its tags cannot be carried over.");
+}
+
+std::vector<Object> objectsIn(std::span<const std::byte> bytes, const std::filesystem::path& file) {
+    std::vector<Object> objects;
+    while (!bytes.empty()) {
+        if (bytes.size() < objectHeader) damaged(file);
+        const std::uint64_t size = number(bytes, 16, 8);
+        if (size < objectHeader || size > bytes.size()) damaged(file);
+        objects.push_back({bytes.first(static_cast<std::size_t>(size))});
+        bytes = bytes.subspan(static_cast<std::size_t>(size));
+    }
+    return objects;
+}
+
+/// The header object of a file, taken apart.
+struct Header {
+    Bytes bytes;
+    std::vector<Object> objects;    ///< of the top level but the extension
+    std::vector<Object> extension;  ///< those inside the extension
+    std::int64_t fileSize = 0;
+
+    explicit Header(const std::filesystem::path& file) {
+        mpeg::FileReader reader(file);
+        fileSize = reader.size();
+        const auto start = reader.at(0, fileHeader);
+        if (start.size() < fileHeader ||
+            std::memcmp(start.data(), headerId.data(), headerId.size()) != 0)
+            damaged(file);
+        const std::uint64_t size = number(std::as_bytes(start), 16, 8);
+        if (size < fileHeader || size > largestHeader) damaged(file);
+        const auto all = std::as_bytes(reader.at(0, static_cast<std::size_t>(size)));
+        if (all.size() < size) damaged(file);
+        bytes.assign(all.begin(), all.end());
+        for (const Object& object : objectsIn(std::span(bytes).subspan(fileHeader), file)) {
+            if (!object.is(extensionId)) {
+                objects.push_back(object);
+                continue;
+            }
+            if (object.bytes.size() < extensionHeader) damaged(file);
+            extension = objectsIn(object.bytes.subspan(extensionHeader), file);
+        }
+    }
+};
+
+void append(Bytes& to, std::span<const std::byte> bytes) {
+    to.insert(to.end(), bytes.begin(), bytes.end());
+}
+
+/// The stream's own objects of one list and the metadata of the other.
+Bytes merged(const std::vector<Object>& stream, const std::vector<Object>& metadata,
+             LevelFields levels, std::uint32_t& count) {
+    Bytes result;
+    for (const Object& object : stream) {
+        if (object.isCarried()) continue;
+        append(result, object.bytes);
+        ++count;
+    }
+    for (const Object& object : metadata) {
+        if (!object.isCarried()) continue;
+        if (levels == LevelFields::Drop && object.is(extendedContentId))
+            append(result, withoutLevelAttributes(object.bytes, AsfAttributeKind::Extended));
+        else if (levels == LevelFields::Drop && (object.is(metadataId) || object.is(libraryId)))
+            append(result, withoutLevelAttributes(object.bytes, AsfAttributeKind::Metadata));
+        else
+            append(result, object.bytes);
+        ++count;
+    }
+    return result;
+}
+
+Bytes extensionObject(const Bytes& content) {
+    // The two fixed values behind the size: a reserved identifier and the number 6.
+    static constexpr Guid reserved{0x11, 0xD2, 0xD3, 0xAB, 0xBA, 0xA9, 0xCF, 0x11,
+                                   0x8E, 0xE6, 0x00, 0xC0, 0x0C, 0x20, 0x53, 0x65};
+    Bytes object(extensionHeader);
+    std::memcpy(object.data(), extensionId.data(), 16);
+    setNumber(object, 16, extensionHeader + content.size(), 8);
+    std::memcpy(object.data() + 24, reserved.data(), 16);
+    setNumber(object, 40, 6, 2);
+    setNumber(object, 42, content.size(), 4);
+    append(object, content);
+    return object;
+}
+
+void requireUnprotected(const Header& header, const std::filesystem::path& file) {
+    for (const Object& object : header.objects)
+        if (object.is(encryptionId) || object.is(extendedEncryptionId))
+            throw platform::Error("\"" + platform::toUtf8(file) +
+                                  "\" is protected against copying, so it cannot be saved.");
+}
+
+}  // namespace
+
+void writeWithAsfMetadata(const std::filesystem::path& encoded, const std::filesystem::path& source,
+                          LevelFields levels, platform::AtomicFile& file) {
+    const Header sound(encoded);
+    const Header metadata(source);
+    requireUnprotected(metadata, source);
+
+    std::uint32_t ignored = 0;
+    std::uint32_t count = 1;
+    const Bytes extension =
+        extensionObject(merged(sound.extension, metadata.extension, levels, ignored));
+    const Bytes objects = merged(sound.objects, metadata.objects, levels, count);
+
+    Bytes header(sound.bytes.begin(), sound.bytes.begin() + fileHeader);
+    append(header, objects);
+    append(header, extension);
+    setNumber(header, 16, header.size(), 8);
+    setNumber(header, 24, count, 4);
+    const std::int64_t rest = sound.fileSize - static_cast<std::int64_t>(sound.bytes.size());
+    for (const Object& object : objectsIn(std::span(header).subspan(fileHeader), encoded))
+        if (object.is(filePropertiesId) && object.bytes.size() >= fileSizeField + 8)
+            setNumber(header,
+                      static_cast<std::size_t>(object.bytes.data() - header.data()) + fileSizeField,
+                      header.size() + static_cast<std::uint64_t>(rest), 8);
+    file.write(header);
+    file.copyFrom(encoded, static_cast<std::int64_t>(sound.bytes.size()), rest);
+}
+
+}  // namespace audio::tags
