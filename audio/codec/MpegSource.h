@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "audio/codec/Ffmpeg.h"
+#include "audio/codec/Source.h"
+#include "audio/codec/StreamDecoder.h"
+#include "audio/mpeg/FileReader.h"
+#include "audio/mpeg/FrameScanner.h"
+#include "audio/mpeg/InfoTag.h"
+
+namespace audio::codec {
+
+/// Reads an MPEG audio file frame by frame. The table of frames grows as reading and seeking need
+/// it, so that a long file plays at once; frames() completes it. Its positions are the gapless ones
+/// of audio::mpeg::FrameIndex, its raw ones those of the decoder.
+class MpegSource : public Decoder::Source {
+  public:
+    explicit MpegSource(const std::filesystem::path& file);
+
+    std::int64_t frames() override;
+    std::int64_t estimatedFrames() const override { return estimate_; }
+    std::size_t read(float* interleaved, std::size_t frames) override;
+    void seek(std::int64_t frame) override;
+    std::int64_t position() const override { return position_; }
+
+  private:
+    struct Entry {
+        std::int64_t offset;
+        std::int64_t raw;  ///< its first sample
+        int size;
+        int samples;
+    };
+
+    void describe();
+    void describeBitRate();
+    bool scanOne();
+    void scanAll();
+    void settle();
+    bool knows(std::size_t number);
+    std::int64_t rawEnd() const;
+    bool beyondSound(std::int64_t raw);
+    bool decodeNext();
+    void restartBefore(std::size_t number);
+
+    std::filesystem::path file_;
+    mpeg::FileReader reader_;
+    mpeg::FrameScanner scanner_;
+    mpeg::FrameHeader header_;
+    std::optional<mpeg::InfoTag> info_;
+    std::vector<Entry> table_;
+    bool complete_ = false;  ///< the table holds every frame
+    int lowestBitRate_ = 0;
+    int highestBitRate_ = 0;
+    std::int64_t soundBytes_ = 0;
+
+    std::optional<StreamDecoder> decoder_;
+    PacketPtr packet_;
+    std::vector<float> pending_;  ///< one decoded frame
+    std::int64_t pendingRaw_ = 0;
+    std::size_t next_ = 0;  ///< the frame to decode next
+
+    std::int64_t start_ = 0;      ///< raw place of position 0
+    std::int64_t statedEnd_ = 0;  ///< raw end by the tag; valid unless the file holds more frames
+    std::int64_t estimate_ = -1;
+    std::int64_t position_ = 0;
+};
+
+}  // namespace audio::codec
