@@ -7,6 +7,7 @@
 #include <QPalette>
 #include <QRegularExpression>
 #include <QStyleFactory>
+#include <QWidget>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -73,6 +74,11 @@ QString styleSheet() {
 
 QColor skinColour(const QString& role) {
     return colours().value(role, Qt::black);
+}
+
+void setTextColour(QWidget& widget, const QString& role) {
+    const QString rule = u"color: %1;"_s.arg(skinColour(role).name());
+    if (widget.styleSheet() != rule) widget.setStyleSheet(rule);
 }
 
 void applySkin(QApplication& application) {

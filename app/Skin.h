@@ -5,6 +5,7 @@
 #include <QString>
 
 class QApplication;
+class QWidget;
 
 namespace app {
 
@@ -14,5 +15,8 @@ void applySkin(QApplication& application);
 
 /// A colour of app/skin/palette.ini by its role ("accent"). Black where there is none.
 QColor skinColour(const QString& role);
+
+/// Draws one widget's text in a colour of the skin.
+void setTextColour(QWidget& widget, const QString& role);
 
 }  // namespace app

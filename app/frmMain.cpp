@@ -1,17 +1,27 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+// Construction, start-up and shutdown of the main window.
 #include "app/frmMain.h"
 
 #include <chrono>
 
+#include <QCloseEvent>
+#include <QDir>
+#include <QFile>
 #include <QTimer>
 
+#include "platform/Paths.h"
+#include "platform/ResumeNext.h"
+#include "player/deck/Deck.h"
+#include "player/engine/PlayerEngine.h"
+#include "playlist/PlaylistCommands.h"
+#include "playlist/PlaylistFiles.h"
 #include "ui_frmMain.h"
 #include "widgets/CommonDialog.h"
+#include "widgets/MsgBox.h"
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace app {
-
 namespace {
 
 template <class Part>
@@ -21,25 +31,87 @@ Part* named(const QString& name, QObject* owner) {
     return part;
 }
 
+player::DeckControls deckControls(const Ui::frmMain& ui) {
+    return {ui.ListView1,
+            ui.Label1,
+            ui.Label6,
+            ui.LabelPosition1,
+            ui.Slider1,
+            ui.SliderVolume1,
+            ui.CommandPause1,
+            {ui.CommandLoad1, ui.CommandSave1, ui.Button1, ui.Button2, ui.Button7,
+             ui.CommandAddSong1, ui.CommandRemove1, ui.CommandMoveUp1, ui.CommandMoveDown1},
+            ui.ListView2,
+            ui.LabelPosition2,
+            ui.CommandPause2};
+}
+
 }  // namespace
 
 frmMain::frmMain(QWidget* parent)
     : QWidget(parent),
       ui_(std::make_unique<Ui::frmMain>()),
+      PlayerEngine1(named<player::PlayerEngine>(u"PlayerEngine1"_s, this)),
       CommonDialog1(named<widgets::CommonDialog>(u"CommonDialog1"_s, this)),
       Timer1(named<QTimer>(u"Timer1"_s, this)),
       Timer2(named<QTimer>(u"Timer2"_s, this)) {
     ui_->setupUi(this);
-    Timer1->setInterval(std::chrono::milliseconds(500));
-    Timer2->setInterval(std::chrono::milliseconds(2000));
     ui_->ListView1->setColumns({u"Track"_s, u"Duration"_s, u"Title"_s});
-    ui_->ListView1->setColumnCharacters(0, 9);
-    ui_->ListView1->setColumnCharacters(1, 11);
     ui_->ListView2->setColumns({u"Index"_s, u"Duration"_s, u"Title"_s});
+    list_ = std::make_unique<playlist::PlaylistCommands>(*PlayerEngine1, *CommonDialog1);
+    files_ = std::make_unique<playlist::PlaylistFiles>(*PlayerEngine1, *list_, *CommonDialog1,
+                                                       *ui_->Label7);
+    deck_ = std::make_unique<player::Deck>(*PlayerEngine1, deckControls(*ui_));
     buildMenus();
     connectCommands();
+    connectEvents();
+    connectShortcuts();
+    Form_Initialize();
+    Form_Load();
 }
 
 frmMain::~frmMain() = default;
+
+// No result is examined: a working folder that is there already, or a missing sound, is no matter.
+void frmMain::Form_Initialize() {
+    platform::resumeNext([] { QDir().mkpath(platform::fixedPath(u"C:\\Zolvo_Temp"_s)); });
+    PlayerEngine1->LoadSound(0, platform::besideApplication(u"\\wt.mp3"_s));
+    PlayerEngine1->PlaySound(0);
+}
+
+void frmMain::Form_Load() {
+    PlayerEngine1->InitEngine(2, static_cast<std::intptr_t>(winId()), 0, 0, 0, 0);
+    PlayerEngine1->SetPlayerFlag(0, true);
+    PlayerEngine1->SetPlayerFlag(1, true);
+    ui_->ListView1->setColumnCharacters(0, 8);
+    ui_->ListView1->setColumnCharacters(1, 10);
+    Timer1->start(std::chrono::milliseconds(500));
+    Timer2->start(std::chrono::milliseconds(2000));
+    Timer2_Timer();
+    ui_->ListView1->setFocus();
+}
+
+// Closing cannot be refused; a list of one entry is left without asking.
+void frmMain::Form_QueryUnload() {
+    if (ui_->ListView1->rowCount() <= 1) return;
+    const auto answer = widgets::msgBox(
+        u"Do you want to save the current playlist before exit?  "_s, widgets::MsgButtons::YesNo,
+        widgets::MsgIcon::Question, u"Save playlist?"_s);
+    if (answer == widgets::MsgResult::Yes) CommandSave1_Click();
+}
+
+void frmMain::Form_Unload() {
+    platform::resumeNext([] { QFile::remove(platform::fixedPath(u"C:\\burn_list.dat"_s)); });
+}
+
+void frmMain::closeEvent(QCloseEvent* event) {
+    event->accept();
+    if (closing_) return;
+    closing_ = true;
+    Form_QueryUnload();
+    Form_Unload();
+    PlayerEngine1->StopPlayer(0);
+    Q_EMIT closed();
+}
 
 }  // namespace app

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <vector>
 
+#include <QStringList>
+#include <QUrl>
 #include <QWidget>
 
 class QActionGroup;
@@ -13,7 +16,14 @@ class QTimer;
 namespace Ui {
 class frmMain;
 }
-
+namespace player {
+class Deck;
+class PlayerEngine;
+}  // namespace player
+namespace playlist {
+class PlaylistCommands;
+class PlaylistFiles;
+}  // namespace playlist
 namespace widgets {
 class CommonDialog;
 }
@@ -39,30 +49,88 @@ class frmMain : public QWidget {
     /// All buttons and menu items that do something, in the order of the window.
     static const std::vector<Command>& commands();
 
+    /// Adds sound files and folders given by hand behind the last entry, or loads a list among
+    /// them; says what there is no file of.
+    void openPaths(const QStringList& paths);
+
     /// The two pop-up menus, under their fixed names.
     QMenu* mnuPlaylist_Menu = nullptr;
     QMenu* mnuCDStuff = nullptr;
 
+  Q_SIGNALS:
+    /// The window was closed and everything is put away: the program may end.
+    void closed();
+
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
   private:
+    // frmMain.cpp: start-up and shutdown
+    void Form_Initialize();
+    void Form_Load();
+    void Form_QueryUnload();
+    void Form_Unload();
+
+    // frmMain_commands.cpp
+    void connectCommands();
+    void connectEvents();
+
+    // frmMain_keys.cpp
+    void connectShortcuts();
+
     // frmMain_menus.cpp
     void buildMenus();
-    void followMenuButton(const QWidget* button);
+    void followButton(const QWidget* button);
     void popUpAt(QMenu* menu, const QWidget* button);
     void Button1_Click();
     void Button7_Click();
     void Label5_Click();
 
-    void connectCommands();
+    // frmMain_playlist.cpp
+    void CommandAddSong1_Click();
+    void CommandRemove1_Click();
+    void CommandMoveUp1_Click();
+    void CommandMoveDown1_Click();
+    void Button2_Click();
+    void mnuSelected_All_Click();
+    void mnuDeselectAll_Click();
+    void CommandSave1_Click();
+    void CommandLoad1_Click();
+    void Timer2_Timer();
+    void PlayerEngine1_ItemInfoChanged(int player, int index);
+    void ListView1_FilesDropped(const QList<QUrl>& urls, int row);
+    void insertPaths(const QStringList& paths, int row);
+
+    // frmMain_deck.cpp
+    void CommandPlay1_Click();
+    void CommandPause1_Click();
+    void CommandStop1_Click();
+    void CommandNext1_Click();
+    void CommandPrev1_Click();
+    void CommandForward1_Click();
+    void CommandRewind1_Click();
+    void Slider1_Change();
+    void SliderVolume1_Change();
+    void Timer1_Timer();
+    void ListView1_DblClick();
+    void PlayerEngine1_PlaybackStarted(int player);
+    void PlayerEngine1_NowPlayingChanged(int player, int index);
+    void PlayerEngine1_PlaybackEnded(int player, int index);
 
     std::unique_ptr<Ui::frmMain> ui_;
+    player::PlayerEngine* PlayerEngine1;
     widgets::CommonDialog* CommonDialog1;
-    QTimer* Timer1;
-    QTimer* Timer2;
+    QTimer* Timer1;  // position, every 500 ms
+    QTimer* Timer2;  // totals, every 2000 ms
     QActionGroup* playlistMenuItems_ = nullptr;
     QActionGroup* burnMenuItems_ = nullptr;
+    std::unique_ptr<playlist::PlaylistCommands> list_;
+    std::unique_ptr<playlist::PlaylistFiles> files_;
+    std::unique_ptr<player::Deck> deck_;
+    std::int16_t TotalMinutes = 0;  // of the list, written by Timer2_Timer
+    bool closing_ = false;          // the window was closed; long work ends after the file in hand
 };
 
 }  // namespace app

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The command map of the main window: which handler a button or menu item forwards to.
+// The command map of the main window: which handler a button, a menu item or
+// an event forwards to.
 #include <QAbstractButton>
 #include <QAction>
+#include <QTimer>
 
 #include "app/frmMain.h"
+#include "player/engine/PlayerEngine.h"
 #include "ui_frmMain.h"
 
 namespace app {
@@ -37,6 +40,27 @@ void frmMain::connectCommands() {
             qFatal("The command map names a control that the window lacks: %s", command.control);
         }
     }
+}
+
+void frmMain::connectEvents() {
+    connect(Timer1, &QTimer::timeout, this, &frmMain::Timer1_Timer);
+    connect(Timer2, &QTimer::timeout, this, &frmMain::Timer2_Timer);
+    connect(ui_->Slider1, &widgets::SkinSlider::Changed, this, &frmMain::Slider1_Change);
+    connect(ui_->SliderVolume1, &widgets::SkinSlider::Changed, this,
+            &frmMain::SliderVolume1_Change);
+    connect(ui_->ListView1, &widgets::ListView::rowDoubleClicked, this,
+            &frmMain::ListView1_DblClick);
+    connect(ui_->ListView1, &widgets::ListView::filesDropped, this,
+            &frmMain::ListView1_FilesDropped);
+    using player::PlayerEngine;
+    connect(PlayerEngine1, &PlayerEngine::PlaybackStarted, this,
+            &frmMain::PlayerEngine1_PlaybackStarted);
+    connect(PlayerEngine1, &PlayerEngine::NowPlayingChanged, this,
+            &frmMain::PlayerEngine1_NowPlayingChanged);
+    connect(PlayerEngine1, &PlayerEngine::PlaybackEnded, this,
+            &frmMain::PlayerEngine1_PlaybackEnded);
+    connect(PlayerEngine1, &PlayerEngine::ItemInfoChanged, this,
+            &frmMain::PlayerEngine1_ItemInfoChanged);
 }
 
 }  // namespace app

@@ -49,17 +49,20 @@ void frmMain::buildMenus() {
     mnuCDStuff = popUpMenu(this, u"mnuCDStuff"_s, u"CDStuff"_s, burnMenuItems_);
     ui_->Button1->installEventFilter(this);
     ui_->Button7->installEventFilter(this);
+    ui_->CommandAddSong1->installEventFilter(this);
     ui_->Label5->installEventFilter(this);
 }
 
-// While a menu's button is disabled, its items' shortcuts must not reach the commands either.
-void frmMain::followMenuButton(const QWidget* button) {
+// While a button is disabled, what else leads to its commands must be closed too: the shortcuts of
+// a menu's items, and dropping files.
+void frmMain::followButton(const QWidget* button) {
     if (button == ui_->Button1) playlistMenuItems_->setEnabled(button->isEnabled());
     if (button == ui_->Button7) burnMenuItems_->setEnabled(button->isEnabled());
+    if (button == ui_->CommandAddSong1) ui_->ListView1->setAcceptDrops(button->isEnabled());
 }
 
 bool frmMain::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::EnabledChange) followMenuButton(qobject_cast<QWidget*>(watched));
+    if (event->type() == QEvent::EnabledChange) followButton(qobject_cast<QWidget*>(watched));
     if (watched == ui_->Label5 && event->type() == QEvent::MouseButtonRelease) Label5_Click();
     return QWidget::eventFilter(watched, event);
 }

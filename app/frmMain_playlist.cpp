@@ -1,4 +1,110 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The playlist's commands: add, remove, move, clear, select, totals, files.
+#include "app/Skin.h"
 #include "app/frmMain.h"
+#include "platform/ResumeNext.h"
+#include "playlist/DroppedFiles.h"
+#include "playlist/PlaylistCommands.h"
+#include "playlist/PlaylistFiles.h"
+#include "playlist/Totals.h"
 #include "ui_frmMain.h"
+#include "widgets/MsgBox.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace app {
+namespace {
+
+const QString newListCaption = u"Playlist loaded: New list not yet saved."_s;
+
+std::vector<QString> durationsOf(const widgets::ListView& list) {
+    std::vector<QString> durations;
+    durations.reserve(static_cast<std::size_t>(list.rowCount()));
+    for (int row = 1; row <= list.rowCount(); ++row) durations.push_back(list.subItem(row, 1));
+    return durations;
+}
+
+}  // namespace
+
+void frmMain::CommandAddSong1_Click() {
+    if (ui_->ListView1->rowCount() == 0) ui_->Label7->setText(newListCaption);
+    list_->AddFileToPlaylist(0, *ui_->ListView1);
+}
+
+void frmMain::CommandRemove1_Click() {
+    list_->RemoveSelectedEntry(0, *ui_->ListView1);
+}
+
+void frmMain::CommandMoveUp1_Click() {
+    list_->MoveSelectedEntry(0, *ui_->ListView1, true);
+}
+
+void frmMain::CommandMoveDown1_Click() {
+    list_->MoveSelectedEntry(0, *ui_->ListView1, false);
+}
+
+void frmMain::Button2_Click() {
+    platform::resumeNext([this] { list_->ClearList(0, *ui_->ListView1); });
+    ui_->Label7->clear();
+}
+
+void frmMain::mnuSelected_All_Click() {
+    ui_->ListView1->setAllSelected(true);
+}
+
+void frmMain::mnuDeselectAll_Click() {
+    ui_->ListView1->setAllSelected(false);
+}
+
+void frmMain::CommandSave1_Click() {
+    files_->SavePlaylistCommand(0);
+}
+
+void frmMain::CommandLoad1_Click() {
+    files_->LoadPlaylistCommand(0, *ui_->ListView1);
+}
+
+void frmMain::Timer2_Timer() {
+    platform::resumeNext([this] {
+        const playlist::Totals totals = playlist::totals(durationsOf(*ui_->ListView1));
+        setTextColour(*ui_->Label2, totals.overCdLimit ? u"alarm"_s : u"text"_s);
+        TotalMinutes = totals.totalMinutes;
+        ui_->Label2->setText(totals.durationText);
+        ui_->Label4->setText(totals.countText);
+    });
+}
+
+void frmMain::PlayerEngine1_ItemInfoChanged(int player, int index) {
+    if (player == 0) list_->updateRow(0, *ui_->ListView1, index + 1);
+}
+
+void frmMain::ListView1_FilesDropped(const QList<QUrl>& urls, int row) {
+    if (!ui_->CommandAddSong1->isEnabled()) return;
+    QStringList paths;
+    for (const QUrl& url : urls) {
+        if (url.isLocalFile()) paths.append(url.toLocalFile());
+    }
+    insertPaths(paths, row);
+}
+
+void frmMain::openPaths(const QStringList& paths) {
+    insertPaths(paths, ui_->ListView1->rowCount() + 1);
+}
+
+void frmMain::insertPaths(const QStringList& paths, int row) {
+    const playlist::DroppedFiles dropped = playlist::sortOut(paths);
+    widgets::ListView& list = *ui_->ListView1;
+    if (!dropped.list.isEmpty()) {
+        if (!files_->Load(0, list, dropped.list)) return;
+        row = list.rowCount() + 1;
+    } else if (list.rowCount() == 0 && !dropped.files.isEmpty()) {
+        ui_->Label7->setText(newListCaption);
+    }
+    const bool fits = dropped.files.isEmpty() || list_->InsertFiles(0, list, dropped.files, row);
+    if (!fits) widgets::msgBox(u"A playlist holds no more than 32767 files: none were added."_s);
+    if (!dropped.missing.isEmpty()) {
+        widgets::msgBox(u"There is no such file:\n"_s + dropped.missing.join(u'\n'));
+    }
+}
+
+}  // namespace app

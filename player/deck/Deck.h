@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "player/deck/DeckControls.h"
+
+namespace player {
+
+class PlayerEngine;
+
+/// The commands of the player deck: turns presses into calls of the engine, mirrors the engine in
+/// labels and slider, and locks the editing of the list from Play to Stop. It drives player 0; of
+/// player 1 it only shows the state. Window thread only.
+class Deck {
+  public:
+    Deck(PlayerEngine& engine, const DeckControls& controls);
+
+    // Transport.
+    void Play();  ///< sets the editing lock, also where there is nothing to play
+    void Stop();  ///< the only thing that releases it
+    void PauseOrResume();
+    void Next();
+    void Previous();
+    void Forward();
+    void Rewind();
+    void PositionChanged();  ///< the user moved the position slider; yields to pending events
+    void VolumeChanged();
+
+    /// Percent, position text and slider, every half second.
+    void ShowPosition();
+
+    // Events of the engine.
+    void PlaybackStarted(int player);
+    void NowPlayingChanged(int player, int index);
+
+  private:
+    void PlaySelectedEntry();
+    void lockEditing(bool locked);
+    void showSelectedTitle();
+
+    PlayerEngine& engine_;
+    DeckControls controls_;
+};
+
+}  // namespace player
