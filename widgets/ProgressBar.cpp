@@ -20,13 +20,14 @@ void ProgressBar::setFraction(double fraction) {
 
 void ProgressBar::paintEvent(QPaintEvent* event) {
     const int pieces = maximum() - minimum();
-    if (fraction_ < 0 || pieces <= 0 || value() <= minimum()) {
+    if (fraction_ < 0 || pieces <= 0) {
         QProgressBar::paintEvent(event);
         return;
     }
     QStyleOptionProgressBar option;
     initStyleOption(&option);
-    const double drawn = value() - minimum() - 1 + std::clamp(fraction_, 0.0, 1.0);
+    const double drawn =
+        std::clamp<double>(value() - minimum() - 1 + std::min(fraction_, 2.0), 0, pieces);
     option.minimum = 0;
     option.maximum = pieces * finePart;
     option.progress = static_cast<int>(drawn * finePart);

@@ -14,7 +14,8 @@ class ProgressBar : public QProgressBar {
     using QProgressBar::QProgressBar;
 
     /// How much of the piece in hand is done, 0 to 1: the bar is then drawn from the piece before
-    /// it on. A negative one takes that back: the bar is drawn at its value.
+    /// it on. 1 to 2: the same for a piece that the value does not count yet. A negative one takes
+    /// that back: the bar is drawn at its value.
     void setFraction(double fraction);
     double fraction() const { return fraction_; }
 
