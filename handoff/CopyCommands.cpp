@@ -30,6 +30,7 @@ bool copyEntries(Host& host, const QString& target,
         if (host.closing()) return false;
         copied(item.name);
         host.setBarValue(entry);
+        host.setFileProgress(-1);
     }
     host.yield();
     return true;

@@ -36,7 +36,8 @@ class Host {
     virtual void setBarVisible(bool visible) = 0;
     virtual void setBarMaximum(int maximum) = 0;
     virtual void setBarValue(int value) = 0;
-    /// How much of the file in hand is done, 0 to 1; moves the bar without changing its value.
+    /// How much is done, 0 to 1, of a file that the bar's value does not count yet; moves the bar
+    /// without changing its value. Negative: no file is in hand.
     virtual void setFileProgress(double fraction) = 0;
 
     // Boxes; each returns when it is dismissed.
