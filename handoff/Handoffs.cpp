@@ -57,9 +57,11 @@ bool isMp3(const QString& path) {
     return ending == u"mp3"_s || ending == u"MP3"_s;
 }
 
+/// Row 0, which there is not, counts as selected; the last row is not looked at.
 void countSelected(Host& host) {
-    int count = modMain::SelectedCount + 1;
-    for (int row = 1; row < host.rowCount(); ++row) count += host.rowSelected(row) ? 1 : 0;
+    int count = modMain::SelectedCount;
+    for (int row = 0; row < host.rowCount(); ++row)
+        if (row == 0 || host.rowSelected(row)) ++count;
     constexpr int most = std::numeric_limits<std::int16_t>::max();
     modMain::SelectedCount = static_cast<std::int16_t>(std::min(count, most));
     host.setBarMaximum(modMain::SelectedCount + 1);

@@ -30,7 +30,8 @@ void DataCdHandoff(Host& host, std::int16_t player);
 
 /// Writes the paths of the selected entries that end in "mp3" or "MP3" (these two spellings alone)
 /// for the tag editor, and starts that, whatever fails. Adds to modMain::SelectedCount: one for a
-/// row 0 that there is not, and one per selected row but the last one of the list.
+/// row 0 that there is not (in a list that is not empty), and one per selected row but the last
+/// one of the list.
 void TagHandoff(Host& host);
 
 /// Companions that have no command.
