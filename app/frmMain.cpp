@@ -9,6 +9,7 @@
 #include <QFile>
 #include <QTimer>
 
+#include "app/HandoffHost.h"
 #include "platform/Paths.h"
 #include "platform/ResumeNext.h"
 #include "player/deck/Deck.h"
@@ -62,6 +63,8 @@ frmMain::frmMain(QWidget* parent)
     files_ = std::make_unique<playlist::PlaylistFiles>(*PlayerEngine1, *list_, *CommonDialog1,
                                                        *ui_->Label7);
     deck_ = std::make_unique<player::Deck>(*PlayerEngine1, deckControls(*ui_));
+    handoff_ = std::make_unique<HandoffHost>(
+        HandoffHost::Parts{*this, *ui_, *PlayerEngine1, *list_, *files_, TotalMinutes, closing_});
     buildMenus();
     connectCommands();
     connectEvents();

@@ -30,6 +30,8 @@ class CommonDialog;
 
 namespace app {
 
+class HandoffHost;
+
 /// The main window: the playlist's list view, the player deck, and the two pop-up menus from which
 /// every command starts. Its controls are those of frmMain.ui; a handler reads controls, makes one
 /// call and shows the result, and what it calls lives in the folder of its subject. Window thread.
@@ -119,6 +121,15 @@ class frmMain : public QWidget {
     void PlayerEngine1_NowPlayingChanged(int player, int index);
     void PlayerEngine1_PlaybackEnded(int player, int index);
 
+    // frmMain_handoff.cpp
+    void mnu2MP3Player_Click();
+    void mnu_copy2folder_Click();
+    void mnuEdit_IDTags_selected_Click();
+    void mnuOpen_in_Editor_Click();
+    void mnuRename_Click();
+    void mnuAudio_CDWriter_Click();
+    void mnuData_CDWriter_Click();
+
     std::unique_ptr<Ui::frmMain> ui_;
     player::PlayerEngine* PlayerEngine1;
     widgets::CommonDialog* CommonDialog1;
@@ -129,6 +140,7 @@ class frmMain : public QWidget {
     std::unique_ptr<playlist::PlaylistCommands> list_;
     std::unique_ptr<playlist::PlaylistFiles> files_;
     std::unique_ptr<player::Deck> deck_;
+    std::unique_ptr<HandoffHost> handoff_;
     std::int16_t TotalMinutes = 0;  // of the list, written by Timer2_Timer
     bool closing_ = false;          // the window was closed; long work ends after the file in hand
 };

@@ -18,11 +18,19 @@ namespace app {
 const std::vector<frmMain::Command>& frmMain::commands() {
     static const std::vector<Command> map = {
         // buttons
-        CLICK(Button7), CLICK(Button1),
+        CLICK(Button7),
+        CLICK(Button1),
         // Options menu: the list
         // Options menu: effects
         // Options menu: files
+        CLICK(mnu2MP3Player),
+        CLICK(mnu_copy2folder),
+        CLICK(mnuEdit_IDTags_selected),
+        CLICK(mnuOpen_in_Editor),
+        CLICK(mnuRename),
         // Burn to CD menu
+        CLICK(mnuAudio_CDWriter),
+        CLICK(mnuData_CDWriter),
     };
     return map;
 }

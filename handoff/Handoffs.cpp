@@ -3,16 +3,15 @@
 
 #include <algorithm>
 #include <array>
-#include <exception>
 #include <limits>
 #include <optional>
-#include <utility>
 
 #include "app/modules/modMain.h"
 #include "handoff/HandoffFiles.h"
 #include "handoff/Host.h"
 #include "handoff/LaunchCompanion.h"
 #include "handoff/LineFile.h"
+#include "platform/ResumeNext.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -21,16 +20,6 @@ namespace {
 
 /// Minutes of sound that still go on an audio CD without a question.
 constexpr std::int16_t audioCdMinutes = 78;
-
-/// The error style "go on with the next step".
-template <class Step>
-void resumeNext(Step&& step) {
-    try {
-        std::forward<Step>(step)();
-    } catch (const std::exception&) {
-        // By intent: the step is left out, the command goes on.
-    }
-}
 
 bool fitsOnAudioCd(Host& host) {
     if (host.totalMinutes() <= audioCdMinutes) return true;
@@ -45,7 +34,7 @@ bool fitsOnAudioCd(Host& host) {
 void handOverPlaylist(Host& host, std::int16_t player, const QString& file,
                       const QString& companion) {
     std::int32_t failed = 0;
-    resumeNext([&] { failed = host.savePlaylistAsM3u(player, file); });
+    platform::resumeNext([&] { failed = host.savePlaylistAsM3u(player, file); });
     if (failed)
         host.showMessage(u"Error saving playlist"_s);
     else
@@ -73,7 +62,7 @@ void writeSelectedMp3s(Host& host, std::optional<LineFile>& file) {
         if (!host.rowSelected(row)) continue;
         host.yield();
         const QString path = host.entryPath(row - 1);
-        if (file && isMp3(path)) resumeNext([&] { file->writeLine(path); });
+        if (file && isMp3(path)) platform::resumeNext([&] { file->writeLine(path); });
     }
 }
 
@@ -104,7 +93,7 @@ void openInEditor(Host& host) {
     {
         LineFile file(editorFile());
         createWorkingFolder();
-        resumeNext([&] { file.writeLine(path); });
+        platform::resumeNext([&] { file.writeLine(path); });
     }
     LaunchCompanion(u"\\Zolvo.exe"_s);
 }
@@ -129,7 +118,7 @@ void TagHandoff(Host& host) {
     {
         createWorkingFolder();
         std::optional<LineFile> file;
-        resumeNext([&] { file.emplace(tagFile()); });
+        platform::resumeNext([&] { file.emplace(tagFile()); });
         countSelected(host);
         writeSelectedMp3s(host, file);
     }

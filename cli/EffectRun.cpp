@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "cli/EffectRun.h"
+
+#include <exception>
+
+#include <QDir>
+#include <QFileInfo>
+#include <QSet>
+
+#include "cli/Jobs.h"
+#include "cli/Report.h"
+#include "effects/engine/AudioEditor.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace cli {
+namespace {
+
+struct Task {
+    QString source;
+    QString target;
+};
+
+// Where each file goes. What has no place to go to is reported and left out.
+std::vector<Task> tasksOf(const EffectRun& run, Report& report) {
+    std::vector<Task> tasks;
+    QSet<QString> sources;
+    QSet<QString> targets;
+    for (const QString& source : run.files) {
+        if (run.outputFolder.isEmpty()) {
+            tasks.push_back({source, source});
+            continue;
+        }
+        if (sources.contains(source)) continue;
+        sources += source;
+        const QString name = QFileInfo(source).fileName();
+        const QString target = QDir::toNativeSeparators(QDir(run.outputFolder).filePath(name));
+        if (targets.contains(target) || QFileInfo::exists(target)) {
+            report.failed(
+                source, u"%1 is there already; %2 was not written over it."_s.arg(target, source));
+            continue;
+        }
+        targets += target;
+        tasks.push_back({source, target});
+    }
+    return tasks;
+}
+
+class FileWork {
+  public:
+    FileWork(const EffectRun& run, const Task& task, std::size_t number, Report& report)
+        : run_(run), task_(task), number_(number), report_(report) {}
+
+    void operator()() {
+        try {
+            work();
+            report_.progress(number_, 1);
+            report_.done(task_.source, task_.target == task_.source ? QString() : task_.target);
+        } catch (const std::exception& error) {
+            report_.progress(number_, 1);
+            report_.failed(task_.source, QString::fromUtf8(error.what()));
+        }
+    }
+
+  private:
+    void work() {
+        effects::AudioEditor editor;
+        int phase = 0;
+        QObject::connect(&editor, &effects::AudioEditor::Progress, [&](int percent) {
+            report_.progress(number_, (phase + percent / 100.0) / 3);
+        });
+        editor.Load(task_.source);
+        phase = 1;
+        effects::EffectSettings settings = run_.settings;
+        run_.effect->apply(editor, settings, effects::callStrictly);
+        phase = 2;
+        editor.Save(task_.target, true, 0);
+    }
+
+    const EffectRun& run_;
+    const Task& task_;
+    const std::size_t number_;
+    Report& report_;
+};
+
+}  // namespace
+
+void applyEffect(const EffectRun& run, Report& report) {
+    const std::vector<Task> tasks = tasksOf(run, report);
+    QStringList sources;
+    for (const Task& task : tasks) sources += task.source;
+    report.begin(tasks.size());
+    const std::vector<std::size_t> left = forEachFile(sources, run.jobs, [&](std::size_t number) {
+        FileWork(run, tasks[number], number, report)();
+    });
+    for (const std::size_t number : left)
+        report.failed(tasks[number].source,
+                      u"%1 was not begun: the run was interrupted."_s.arg(tasks[number].source));
+    report.end();
+}
+
+}  // namespace cli
