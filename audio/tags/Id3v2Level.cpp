@@ -130,16 +130,14 @@ std::optional<Walk> walkFrames(Bytes body, std::size_t at, Version version, bool
     return walk;
 }
 
-/// For bytes that count in synchronised data, where they lie in the unsynchronised original.
-void toOriginal(std::vector<Cut>& cuts, Bytes original) {
-    std::size_t cut = 0;
-    std::size_t counted = 0;
-    for (std::size_t i = 0; i <= original.size() && cut < cuts.size(); ++i, ++counted) {
-        if (cuts[cut].end == counted) cuts[cut++].end = i;
-        if (cut < cuts.size() && cuts[cut].start == counted) cuts[cut].start = i;
-        if (i + 1 < original.size() && byteAt(original, i) == 0xFF && byteAt(original, i + 1) == 0)
-            ++i;
-    }
+/// Where a byte of the synchronised data lies in the unsynchronised original.
+std::size_t originalPlace(Bytes original, std::size_t place) {
+    std::size_t at = 0;
+    for (; place > 0 && at < original.size(); --place, ++at)
+        if (byteAt(original, at) == 0xFF && at + 1 < original.size() &&
+            byteAt(original, at + 1) == 0)
+            ++at;
+    return at;
 }
 
 /// The size of the extended header that begins the body; nothing where there is a checksum in it.
@@ -170,7 +168,9 @@ std::vector<Cut> levelFrames(Bytes tag, Bytes body) {
     // Some programs write the sizes of version 2.3 into tags of version 2.4.
     if (!walk && version.number == 4) walk = walkFrames(plain, start, version, unsync, true);
     if (!walk) return {};
-    if (wholeUnsync) toOriginal(walk->cuts, body);
+    if (wholeUnsync)
+        for (Cut& cut : walk->cuts)
+            cut = {originalPlace(body, cut.start), originalPlace(body, cut.end)};
     return walk->cuts;
 }
 
