@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "audio/mpeg/ChunkEncoder.h"
+
+#include <algorithm>
+#include <chrono>
+#include <thread>
+
+#include "audio/mpeg/LameEncoder.h"
+#include "audio/mpeg/LayerTwoEncoder.h"
+
+namespace audio::mpeg {
+namespace {
+
+// A multiple of 49 frames: after so many, the padding of every bit-rate at 44.1 kHz and its halves
+// begins anew, so that chunks that start there carry it on.
+constexpr std::int64_t chunkFrames = 49 * 20;
+// How far a chunk's frames run on into the next one's, for a place where both fit.
+constexpr std::int64_t overlapFrames = 32;
+// Frames after which an encoder has forgotten that it started here.
+constexpr std::int64_t chunkPreRoll = 24;
+// The encoder looks so far ahead.
+constexpr std::int64_t postRoll = 6;
+// More chunks at a time would cost memory.
+constexpr int mostThreads = 8;
+
+std::vector<LogicalFrame> encodeSound(const EncoderSettings& settings,
+                                      std::span<const float> sound) {
+    return settings.layer == 3 ? encodeWithLame(settings, sound) : encodeLayerTwo(settings, sound);
+}
+
+// Encodes and keeps frames [skip, skip + count).
+std::vector<LogicalFrame> encodePart(const EncoderSettings& settings, std::span<const float> sound,
+                                     std::size_t skip, std::size_t count) {
+    std::vector<LogicalFrame> frames = encodeSound(settings, sound);
+    if (frames.size() < skip + count) {
+        throw platform::Error("The MPEG audio encoder gave too few frames.");
+    }
+    frames.erase(frames.begin() + static_cast<long>(skip + count), frames.end());
+    frames.erase(frames.begin(), frames.begin() + static_cast<long>(skip));
+    return frames;
+}
+
+int threadCount(int asked) {
+    const int cores = static_cast<int>(std::thread::hardware_concurrency());
+    return std::clamp(asked > 0 ? asked : cores, 1, mostThreads);
+}
+
+// The frame an encoder has to begin with so that frames from `first` on come out right.
+std::int64_t encoderStart(const Geometry& geometry, std::int64_t start, std::int64_t first,
+                          std::int64_t preRoll) {
+    if (first - preRoll >= 0) return first - preRoll;
+    // Nothing is heard before `start`, so where that lies behind the delay, nothing is lost.
+    if (start >= geometry.codecDelay) return 0;
+    // Silence goes in before the stream begins.
+    return -((geometry.codecDelay + geometry.frame - 1) / geometry.frame);
+}
+
+}  // namespace
+
+std::vector<ChunkPlan> planChunks(const Geometry& geometry, std::int64_t start, std::int64_t first,
+                                  std::int64_t end) {
+    std::vector<ChunkPlan> plans;
+    std::int64_t from = first;
+    while (from < end) {
+        // A short rest goes with the chunk before.
+        const bool last = end - from < chunkFrames + chunkFrames / 2;
+        const std::int64_t to = last ? end : from + chunkFrames;
+        ChunkPlan plan;
+        plan.first = from;
+        plan.end = last ? end : to + overlapFrames;
+        plan.encodeFrom =
+            encoderStart(geometry, start, from, plans.empty() ? geometry.preRoll : chunkPreRoll);
+        plan.lastOfRegion = last;
+        plans.push_back(plan);
+        from = to;
+    }
+    return plans;
+}
+
+ChunkEncoder::ChunkEncoder(const EncoderSettings& settings, std::vector<ChunkPlan> plans,
+                           OutputSound& sound, int threads, const std::function<void()>& tick)
+    : settings_(settings),
+      geometry_(Geometry::of(settings.layer, settings.samplesPerFrame())),
+      plans_(std::move(plans)),
+      sound_(sound),
+      tick_(tick),
+      ahead_(static_cast<std::size_t>(threadCount(threads)) + 1),
+      turns_(threadCount(threads)) {}
+
+ChunkEncoder::~ChunkEncoder() {
+    // The futures join their threads, which use this object.
+    running_.clear();
+}
+
+Chunk ChunkEncoder::next() {
+    while (started_ < plans_.size() && running_.size() < ahead_) start(plans_[started_++]);
+    while (running_.front().wait_for(std::chrono::milliseconds(20)) != std::future_status::ready) {
+        tick_();
+    }
+    Chunk chunk = running_.front().get();
+    running_.pop_front();
+    if (started_ < plans_.size()) start(plans_[started_++]);
+    return chunk;
+}
+
+void ChunkEncoder::start(const ChunkPlan& plan) {
+    auto sound = readSound(plan);
+    running_.push_back(std::async(std::launch::async, [this, plan, sound] {
+        turns_.acquire();
+        struct Release {
+            std::counting_semaphore<>& turns;
+            ~Release() { turns.release(); }
+        } release{turns_};
+        return Chunk{
+            plan, sound,
+            encodePart(settings_, *sound, static_cast<std::size_t>(plan.first - plan.encodeFrom),
+                       static_cast<std::size_t>(plan.end - plan.first))};
+    }));
+}
+
+std::shared_ptr<const std::vector<float>> ChunkEncoder::readSound(const ChunkPlan& plan) {
+    const auto channels = static_cast<std::size_t>(settings_.channels());
+    const std::int64_t from = plan.encodeFrom * geometry_.frame + geometry_.codecDelay;
+    const std::int64_t end = (plan.end + postRoll) * geometry_.frame + geometry_.codecDelay;
+    auto sound =
+        std::make_shared<std::vector<float>>(static_cast<std::size_t>(end - from) * channels);
+    // What the chunk before had already asked for is taken from there.
+    std::size_t known = 0;
+    if (lastSound_ && from >= lastSoundFrom_) {
+        const std::size_t skip = static_cast<std::size_t>(from - lastSoundFrom_) * channels;
+        if (skip < lastSound_->size()) {
+            known = std::min(lastSound_->size() - skip, sound->size());
+            std::copy_n(lastSound_->begin() + static_cast<long>(skip), known, sound->begin());
+        }
+    }
+    sound_.read(from + static_cast<std::int64_t>(known / channels),
+                (sound->size() - known) / channels, sound->data() + known);
+    lastSound_ = sound;
+    lastSoundFrom_ = from;
+    return sound;
+}
+
+std::vector<LogicalFrame> ChunkEncoder::cheaper(const Chunk& chunk, std::int64_t first,
+                                                std::int64_t count, int steps) const {
+    const std::int64_t from = std::max(chunk.plan.encodeFrom, first - geometry_.preRoll);
+    const auto perFrame =
+        static_cast<std::size_t>(geometry_.frame) * static_cast<std::size_t>(settings_.channels());
+    const auto skip = static_cast<std::size_t>(from - chunk.plan.encodeFrom) * perFrame;
+    const auto length = static_cast<std::size_t>(first + count + postRoll - from) * perFrame;
+    return encodePart(settings_.cheaper(steps), std::span(*chunk.sound).subspan(skip, length),
+                      static_cast<std::size_t>(first - from), static_cast<std::size_t>(count));
+}
+
+}  // namespace audio::mpeg

@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <future>
+#include <memory>
+#include <semaphore>
+#include <vector>
+
+#include "audio/mpeg/EncoderSettings.h"
+#include "audio/mpeg/Layout.h"
+#include "audio/mpeg/LogicalFrame.h"
+#include "audio/mpeg/OutputSound.h"
+
+namespace audio::mpeg {
+
+/// A stretch of new frames that is encoded by itself.
+struct ChunkPlan {
+    std::int64_t encodeFrom = 0;  ///< the encoder's first frame, in frames of the new stream
+    std::int64_t first = 0;       ///< from here on its frames count
+    std::int64_t end = 0;         ///< up to here
+    bool lastOfRegion = false;
+};
+
+/// An encoded chunk.
+struct Chunk {
+    ChunkPlan plan;
+    std::shared_ptr<const std::vector<float>> sound;  ///< from the encoder's first sample on
+    std::vector<LogicalFrame> frames;                 ///< of plan.first … plan.end
+
+    const LogicalFrame& frame(std::int64_t number) const {
+        return frames[static_cast<std::size_t>(number - plan.first)];
+    }
+};
+
+/// Frames [first, end) of the new stream as chunks of a fixed length, so that the result depends on
+/// no number of threads. `reach` frames before and behind are encoded too, where a search for a
+/// seam may want them.
+std::vector<ChunkPlan> planChunks(const Geometry& geometry, std::int64_t start, std::int64_t first,
+                                  std::int64_t end);
+
+/// Encodes chunks on several threads, and gives them in order. The sound is read on the calling
+/// thread, a few chunks ahead.
+class ChunkEncoder {
+  public:
+    /// `tick` is called every 20 ms while the caller waits. All references must outlive it.
+    ChunkEncoder(const EncoderSettings& settings, std::vector<ChunkPlan> plans, OutputSound& sound,
+                 int threads, const std::function<void()>& tick);
+    ~ChunkEncoder();
+
+    /// The next chunk; throws what the encoder or the sound threw.
+    Chunk next();
+
+    /// Frames [first, first + count) of a chunk again, `steps` cheaper.
+    std::vector<LogicalFrame> cheaper(const Chunk& chunk, std::int64_t first, std::int64_t count,
+                                      int steps) const;
+
+  private:
+    void start(const ChunkPlan& plan);
+    std::shared_ptr<const std::vector<float>> readSound(const ChunkPlan& plan);
+
+    EncoderSettings settings_;
+    Geometry geometry_;
+    std::vector<ChunkPlan> plans_;
+    OutputSound& sound_;
+    const std::function<void()>& tick_;
+    std::size_t started_ = 0;
+    std::size_t ahead_;
+    std::counting_semaphore<> turns_;
+    std::deque<std::future<Chunk>> running_;
+    std::shared_ptr<const std::vector<float>> lastSound_;
+    std::int64_t lastSoundFrom_ = 0;  // raw
+};
+
+}  // namespace audio::mpeg

@@ -1,0 +1,205 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "audio/mpeg/PieceWriter.h"
+
+#include <algorithm>
+#include <array>
+
+namespace audio::mpeg {
+namespace {
+
+// How many frames a seam may move into the kept sound to find windows that fit.
+constexpr std::int64_t seamSearch = 8;
+// Of a kept piece, so many frames stay kept wherever its seams go.
+constexpr std::int64_t keptAlways = 3;
+
+std::int64_t sourceFrameOf(const Piece& piece, std::int64_t frame) {
+    return piece.sourceFrame + (frame - piece.first);
+}
+
+}  // namespace
+
+PieceWriter::PieceWriter(const EncoderSettings& settings, const Layout& layout, OutputSound& sound,
+                         StreamWriter& writer, SourceFrames* source, const FrameHeader& like,
+                         int threads, std::function<void(double)> progress)
+    : settings_(settings),
+      geometry_(Geometry::of(settings.layer, settings.samplesPerFrame())),
+      layout_(layout),
+      progress_(std::move(progress)),
+      tick_([this] { report(); }) {
+    joiner_ = makeJoiner(settings, writer, like, source, [this](std::int64_t frames) {
+        done_ += frames;
+        report();
+    });
+    encoder_ = std::make_unique<ChunkEncoder>(settings, planAll(), sound, threads, tick_);
+}
+
+PieceWriter::~PieceWriter() = default;
+
+// An encoded piece reaches into the kept ones beside it, as far as its seams may move.
+std::vector<ChunkPlan> PieceWriter::planAll() const {
+    std::vector<ChunkPlan> all;
+    const auto& pieces = layout_.pieces;
+    for (std::size_t i = 0; i < pieces.size(); ++i) {
+        if (pieces[i].kind != Piece::Kind::Encoded) continue;
+        const bool before = i > 0 && pieces[i - 1].kind == Piece::Kind::Kept;
+        const bool after = i + 1 < pieces.size();
+        const std::int64_t first = pieces[i].first - (before ? seamSearch : 0);
+        const std::int64_t end = pieces[i].end() + (after ? seamSearch : 0);
+        const auto plans = planChunks(geometry_, layout_.start, first, end);
+        all.insert(all.end(), plans.begin(), plans.end());
+    }
+    return all;
+}
+
+void PieceWriter::run() {
+    const auto& pieces = layout_.pieces;
+    for (std::size_t i = 0; i < pieces.size(); ++i) {
+        const Piece* before = i > 0 ? &pieces[i - 1] : nullptr;
+        const Piece* after = i + 1 < pieces.size() ? &pieces[i + 1] : nullptr;
+        switch (pieces[i].kind) {
+            case Piece::Kind::Silent:
+                joiner_->addSilent(pieces[i].count,
+                                   after ? joiner_->needOf(after->sourceFrame) : 0);
+                break;
+            case Piece::Kind::Kept:
+                // It may already be open, from where the seam before it lies.
+                if (open_ != &pieces[i]) {
+                    open_ = &pieces[i];
+                    openFirst_ = pieces[i].first;
+                }
+                if (!after) addKept(pieces[i].end());
+                break;
+            case Piece::Kind::Encoded:
+                addRegion(before, after);
+                break;
+        }
+    }
+    joiner_->finish();
+    progress_(1.0);
+}
+
+void PieceWriter::addRegion(const Piece* before, const Piece* after) {
+    Chunk chunk = encoder_->next();
+    std::int64_t first = chunk.plan.first;
+    if (before && before->kind == Piece::Kind::Kept) {
+        first = leftSeam(chunk, *before);
+        addKept(first);
+    }
+    encoded_.push_back({first, 0});
+    while (!chunk.plan.lastOfRegion) {
+        Chunk next = encoder_->next();
+        const std::int64_t seam = innerSeam(chunk, next);
+        addFrames(chunk, first, seam, next.frame(seam).info.mainDataBegin);
+        first = seam;
+        chunk = std::move(next);
+    }
+    std::int64_t end = chunk.plan.end;
+    int need = 0;
+    if (after) {
+        end = rightSeam(chunk, *after);
+        need = joiner_->needOf(sourceFrameOf(*after, end));
+        open_ = after;
+        openFirst_ = end;
+    }
+    addFrames(chunk, first, end, need);
+    encoded_.back().count = end - encoded_.back().first;
+}
+
+std::int64_t PieceWriter::leftSeam(const Chunk& chunk, const Piece& before) const {
+    const std::int64_t lowest = std::max(chunk.plan.first, openFirst_ + keptAlways);
+    for (std::int64_t seam = before.end(); seam >= lowest; --seam) {
+        if (joiner_->fitsAfterSource(sourceFrameOf(before, seam - 1), chunk.frame(seam))) {
+            return seam;
+        }
+    }
+    throw CannotSplice("No place was found where new sound can begin.");
+}
+
+std::int64_t PieceWriter::rightSeam(const Chunk& chunk, const Piece& after) const {
+    const std::int64_t highest = std::min(chunk.plan.end, after.end() - keptAlways);
+    for (std::int64_t seam = after.first; seam <= highest; ++seam) {
+        if (seam <= chunk.plan.first) continue;
+        if (joiner_->fitsBeforeSource(chunk.frame(seam - 1), sourceFrameOf(after, seam))) {
+            return seam;
+        }
+    }
+    throw CannotSplice("No place was found where new sound can end.");
+}
+
+// The first frame from which the right chunk can go on: windows that fit, and, with slots of a
+// fixed size, a reservoir at least as full as its encoder had. Where the reservoir never is, the
+// place where it lacks least: the fitting makes up for it.
+std::int64_t PieceWriter::innerSeam(const Chunk& left, const Chunk& right) const {
+    const bool fixedSlots =
+        settings_.layer == 3 && settings_.rate == EncoderSettings::Rate::Constant;
+    std::optional<std::int64_t> best;
+    int leastLack = 0;
+    for (std::int64_t seam = right.plan.first; seam < left.plan.end; ++seam) {
+        if (!joiner_->fits(left.frame(seam - 1), right.frame(seam))) continue;
+        const int lack =
+            fixedSlots ? right.frame(seam).info.mainDataBegin - left.frame(seam).info.mainDataBegin
+                       : 0;
+        if (lack <= 0) return seam;
+        if (!best || lack < leastLack) {
+            best = seam;
+            leastLack = lack;
+        }
+    }
+    if (!best) throw CannotSplice("Two parts of the new sound cannot be joined.");
+    return *best;
+}
+
+void PieceWriter::addFrames(const Chunk& chunk, std::int64_t first, std::int64_t end,
+                            int needBehind) {
+    const auto from = chunk.frames.begin() + static_cast<long>(first - chunk.plan.first);
+    const auto to = chunk.frames.begin() + static_cast<long>(end - chunk.plan.first);
+    joiner_->addEncoded({from, to}, needBehind,
+                        [&](std::size_t skip, std::size_t count, int steps) {
+                            return encoder_->cheaper(chunk, first + static_cast<std::int64_t>(skip),
+                                                     static_cast<std::int64_t>(count), steps);
+                        });
+    done_ += end - first;
+    report();
+}
+
+// Writes the open kept piece up to a frame of the new stream.
+void PieceWriter::addKept(std::int64_t end) {
+    joiner_->addKept(sourceFrameOf(*open_, openFirst_), end - openFirst_);
+    kept_ += end - openFirst_;
+    open_ = nullptr;
+}
+
+void PieceWriter::report() {
+    const auto all = static_cast<double>(std::max<std::int64_t>(1, layout_.frames));
+    progress_(std::min(1.0, static_cast<double>(done_) / all));
+}
+
+FrameHeader plainHeader(const EncoderSettings& settings) {
+    const std::uint32_t version = settings.version() == Version::Mpeg1   ? 3
+                                  : settings.version() == Version::Mpeg2 ? 2
+                                                                         : 0;
+    const int base = settings.sampleRate * (version == 3 ? 1 : version == 2 ? 2 : 4);
+    const std::uint32_t rate = base == 48000 ? 1 : base == 32000 ? 2 : 0;
+    std::uint32_t index = 9;
+    for (int i = 1; i <= 14; ++i) {
+        if (FrameHeader::bitRateOf(settings.version(), settings.layer, i) == settings.bitRate) {
+            index = static_cast<std::uint32_t>(i);
+        }
+    }
+    // "Original" is set, as LAME sets it.
+    const std::uint32_t word = 0xFFE00004U | version << 19 |
+                               static_cast<std::uint32_t>(4 - settings.layer) << 17 |
+                               (settings.crc ? 0U : 1U) << 16 | index << 12 | rate << 10 |
+                               static_cast<std::uint32_t>(settings.mode) << 6;
+    const std::array<std::uint8_t, 4> bytes = {
+        static_cast<std::uint8_t>(word >> 24), static_cast<std::uint8_t>(word >> 16),
+        static_cast<std::uint8_t>(word >> 8), static_cast<std::uint8_t>(word)};
+    const auto header = FrameHeader::parse(bytes);
+    if (!header || header->sampleRate != settings.sampleRate) {
+        throw platform::Error("MPEG audio has no rate of " + std::to_string(settings.sampleRate) +
+                              " Hz.");
+    }
+    return *header;
+}
+
+}  // namespace audio::mpeg

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "audio/mpeg/StreamWriter.h"
+
+#include <algorithm>
+
+#include "audio/mpeg/Checksums.h"
+
+namespace audio::mpeg {
+
+StreamWriter::StreamWriter(StreamSink& sink, std::int64_t frames) : sink_(sink), frames_(frames) {}
+
+void StreamWriter::writeInfoFrame(std::span<const std::uint8_t> bytes) {
+    sink_.write(bytes);
+    bytes_ += static_cast<std::int64_t>(bytes.size());
+}
+
+void StreamWriter::write(std::span<const std::uint8_t> bytes) {
+    crc_ = lameCrc(crc_, bytes);
+    sink_.write(bytes);
+    bytes_ += static_cast<std::int64_t>(bytes.size());
+}
+
+void StreamWriter::noteFrame(std::int64_t ahead) {
+    while (filled_ < offsets_.size() &&
+           noted_ >= static_cast<std::int64_t>(filled_) * frames_ / 100) {
+        offsets_[filled_++] = bytes_ + ahead;
+    }
+    ++noted_;
+}
+
+std::array<std::uint8_t, 100> StreamWriter::tableOfContents() const {
+    std::array<std::uint8_t, 100> table{};
+    for (std::size_t i = 0; i < table.size(); ++i) {
+        const std::int64_t offset = i < filled_ ? offsets_[i] : bytes_;
+        const std::int64_t place = bytes_ > 0 ? offset * 256 / bytes_ : 0;
+        table[i] = static_cast<std::uint8_t>(std::clamp<std::int64_t>(place, 0, 255));
+    }
+    return table;
+}
+
+}  // namespace audio::mpeg

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+
+#include "audio/mpeg/Splice.h"
+
+namespace audio::mpeg {
+
+/// Passes a stream on to its sink, and notes what an info frame tells of it: bytes, checksum, table
+/// of contents. One thread.
+class StreamWriter {
+  public:
+    /// `frames` = frames of sound that will be written.
+    StreamWriter(StreamSink& sink, std::int64_t frames);
+
+    /// The info frame, before all else; it counts as no sound.
+    void writeInfoFrame(std::span<const std::uint8_t> bytes);
+    /// The next bytes of frames of sound.
+    void write(std::span<const std::uint8_t> bytes);
+    /// Tells where the next frame of sound will begin, `ahead` bytes further than written.
+    void noteFrame(std::int64_t ahead = 0);
+
+    std::int64_t bytes() const { return bytes_; }
+    std::int64_t framesNoted() const { return noted_; }
+    std::uint16_t musicCrc() const { return crc_; }
+    /// The hundred bytes of a Xing table of contents.
+    std::array<std::uint8_t, 100> tableOfContents() const;
+    StreamSink& sink() { return sink_; }
+
+  private:
+    StreamSink& sink_;
+    std::int64_t frames_;
+    std::int64_t bytes_ = 0;
+    std::int64_t noted_ = 0;
+    std::uint16_t crc_ = 0;
+    std::array<std::int64_t, 100> offsets_{};
+    std::size_t filled_ = 0;
+};
+
+}  // namespace audio::mpeg
