@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <span>
+#include <vector>
+
+namespace wizard {
+
+/// What an audio CD holds, in seconds.
+inline constexpr double DiscSeconds = 80 * 60.0;
+
+/// Where a track lies in the mix to come, in seconds from its beginning.
+struct PlacedTrack {
+    double start = 0;
+    double seconds = 0;  ///< the whole track, its head over the tail of the one before
+    double overlap = 0;  ///< how much of it is heard together with the one before
+};
+
+/// The mix to come, before silence is trimmed: what a preview draws. A plain value.
+struct Timeline {
+    std::vector<PlacedTrack> tracks;
+    double seconds = 0;  ///< of all the results, played one after the other
+};
+
+/// Lays tracks of these lengths one after the other, each beginning `overlap` seconds before the
+/// end of the one before (0 = no cross fade). A track that is shorter than that lies under the end
+/// of the one before with all it has.
+Timeline layOut(std::span<const double> lengths, double overlap);
+
+/// The two fades of the pass as a shape: how long they are, 0 = none.
+struct FadeShape {
+    double inSeconds = 0;
+    double outSeconds = 0;
+
+    /// The gain, 0 to 1, `at` seconds into a track of this length.
+    double gain(double at, double seconds) const;
+};
+
+}  // namespace wizard

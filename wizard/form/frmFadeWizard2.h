@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include <QMainWindow>
+#include <QStringList>
+#include <QUrl>
+
+#include "wizard/EffectTable.h"
+#include "wizard/Host.h"
+#include "wizard/Session.h"
+
+class QCheckBox;
+class QLineEdit;
+class QTimer;
+
+namespace Ui {
+class frmFadeWizard2;
+}
+
+namespace effects {
+class AudioEditor;
+}
+
+namespace widgets {
+class CommonDialog;
+}
+
+namespace wizard {
+
+class MixPreview;
+
+/// The cross-fade wizard's window: it turns a playlist into new files in a target folder. Its
+/// controls are those of frmFadeWizard2.ui and one check box for each row of the effect table; it
+/// holds the settings and shows the session's lists, and the pass does the work. Window thread.
+///
+/// Created for one visit: when it is closed, a run in it ends after the file in hand, and then the
+/// window deletes itself.
+class frmFadeWizard2 : public QMainWindow, private Host {
+    Q_OBJECT
+  public:
+    explicit frmFadeWizard2(QWidget* parent = nullptr);
+    ~frmFadeWizard2() override;
+
+    /// Adds a file of the playlist to lstFiles.
+    void addPlaylistFile(const QString& path);
+    int fileCount() const;
+
+    /// True from the moment it was closed.
+    bool isClosing() const { return closing_; }
+
+    /// Closes every window of the program, passing over what fails, and ends the program as soon as
+    /// the call in hand has returned.
+    static void unloadallforms();
+
+    /// How a web page is opened: the system's browser unless somebody else is put in its place.
+    std::function<void(const QUrl&)> openPage;
+
+  protected:
+    bool event(QEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+
+  private:
+    // frmFadeWizard2.cpp
+    void Form_Load();
+    void Form_Activate();
+    void Form_Unload();
+    void buildEffectChecks();
+    void connectControls();
+    void followDeactivation();
+
+    // frmFadeWizard2_settings.cpp
+    void Check_Click(const EffectRow& row, bool ticked);
+    void hideFrontLabel(const EffectRow& row);
+    void showValues(bool visible);
+    void Button10_Click();
+    void Combo1_Click();
+    void Button38_Click();
+    void Button1_Click();
+    void Button2_Click();
+    void Button3_Click();
+    void selectFile(QLineEdit* box);
+    void Button13_Click();
+    void Button14_Click();
+    void openSupportPage();
+    void Timer1_Timer();
+
+    // frmFadeWizard2_run.cpp
+    void Button7_Click();
+    void runEnded();
+    void Button6_Click();
+    void AudioEditor1_Progress(int percent);
+    void updatePreview();
+
+    Options options() const override;
+    bool abandoned() const override { return closing_; }
+    void showStatus(const QString& text) override;
+    void setFileMaximum(int files) override;
+    void setFileProgress(int files) override;
+    void setEngineProgress(int percent) override;
+    void selectFile(int index) override;
+    void showResults() override;
+    void selectResult(int index) override;
+    void stepFailed(const QString& sentence) override;
+    void say(const QString& text) override;
+    bool askReadyToBurn() override;
+    void burn(const QStringList& results) override;
+
+    bool ticked(int checkBox) const;
+
+    std::unique_ptr<Ui::frmFadeWizard2> ui_;
+    Session session_;
+    effects::AudioEditor* AudioEditor1;
+    widgets::CommonDialog* CommonDialog1;
+    QTimer* Timer1;
+    MixPreview* preview_;
+    std::vector<QCheckBox*> effectChecks_;  ///< in the order of the effect table
+    bool running_ = false;
+    bool closing_ = false;
+    bool boxOfOurOwn_ = false;  ///< activity went to a box of this window, not to another window
+};
+
+}  // namespace wizard
