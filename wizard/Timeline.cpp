@@ -2,6 +2,7 @@
 #include "wizard/Timeline.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace wizard {
 
@@ -10,6 +11,11 @@ namespace {
 constexpr double LowLevel = 0.1;  // where the fade in begins and the fade out ends
 
 }  // namespace
+
+QString clock(double seconds) {
+    const auto whole = std::llround(seconds);
+    return QStringLiteral("%1:%2").arg(whole / 60).arg(whole % 60, 2, 10, QLatin1Char('0'));
+}
 
 Timeline layOut(std::span<const double> lengths, double overlap) {
     Timeline mix;

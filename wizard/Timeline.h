@@ -4,6 +4,8 @@
 #include <span>
 #include <vector>
 
+#include <QString>
+
 namespace wizard {
 
 /// What an audio CD holds, in seconds.
@@ -21,6 +23,9 @@ struct Timeline {
     std::vector<PlacedTrack> tracks;
     double seconds = 0;  ///< of all the results, played one after the other
 };
+
+/// Seconds as minutes and two digits of seconds, "75:04"; rounded.
+QString clock(double seconds);
 
 /// Lays tracks of these lengths one after the other, each beginning `overlap` seconds before the
 /// end of the one before (0 = no cross fade). A track that is shorter than that lies under the end

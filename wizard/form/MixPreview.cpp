@@ -14,11 +14,6 @@ namespace wizard {
 
 namespace {
 
-QString clock(double seconds) {
-    const auto whole = static_cast<qint64>(seconds + 0.5);
-    return u"%1:%2"_s.arg(whole / 60).arg(whole % 60, 2, 10, u'0');
-}
-
 QLabel* line(const QString& name, Qt::Alignment alignment) {
     auto* label = new QLabel;
     label->setObjectName(name);

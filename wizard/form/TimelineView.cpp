@@ -27,11 +27,6 @@ double rulerStep(double pixelsPerSecond) {
     return 3600 * std::ceil(Apart / (3600 * pixelsPerSecond));
 }
 
-QString minutes(double seconds) {
-    return u"%1:%2"_s.arg(static_cast<int>(seconds) / 60)
-        .arg(static_cast<int>(seconds) % 60, 2, 10, u'0');
-}
-
 }  // namespace
 
 TimelineView::TimelineView(QWidget* parent) : QWidget(parent) {
@@ -136,7 +131,7 @@ void TimelineView::paintRuler(QPainter& painter) const {
     const int top = height() - RulerHeight;
     for (double at = 0; at < mix_.seconds; at += step) {
         painter.drawLine(QPointF(x(at), top), QPointF(x(at), top + 4));
-        painter.drawText(QPointF(x(at) + 3, height() - 4), minutes(at));
+        painter.drawText(QPointF(x(at) + 3, height() - 4), clock(at));
     }
     if (mix_.seconds <= DiscSeconds) return;
     painter.setPen(QPen(DiscEnd, 2));
@@ -157,10 +152,10 @@ bool TimelineView::event(QEvent* event) {
         QToolTip::hideText();
     else {
         const PlacedTrack& placed = mix_.tracks[std::size_t(track)];
-        QToolTip::showText(help->globalPos(),
-                           u"%1\nheard from %2 to %3"_s.arg(
-                               tracks_[std::size_t(track)].name, minutes(placed.start),
-                               minutes(placed.start + placed.seconds)));
+        QToolTip::showText(
+            help->globalPos(),
+            u"%1\nheard from %2 to %3"_s.arg(tracks_[std::size_t(track)].name, clock(placed.start),
+                                             clock(placed.start + placed.seconds)));
     }
     return true;
 }
