@@ -54,6 +54,9 @@ class AudioEditor::Impl {};
 AudioEditor::AudioEditor(QObject* parent) : QObject(parent) {}
 AudioEditor::~AudioEditor() = default;
 
+void AudioEditor::SetTemporaryFolder(const QString& folder) {
+    record("SetTemporaryFolder", folder);
+}
 void AudioEditor::Load(const QString& path) {
     record("Load", path);
 }

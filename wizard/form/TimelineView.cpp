@@ -16,6 +16,7 @@ namespace wizard {
 namespace {
 
 constexpr int RulerHeight = 18;
+constexpr int NameHeight = 16;
 constexpr QColor Shared(255, 190, 92, 70);  // the overlaps
 constexpr QColor DiscEnd(255, 123, 114);
 
@@ -36,11 +37,11 @@ TimelineView::TimelineView(QWidget* parent) : QWidget(parent) {
 }
 
 QSize TimelineView::sizeHint() const {
-    return {600, 130};
+    return {600, 150};
 }
 
 QSize TimelineView::minimumSizeHint() const {
-    return {200, 90};
+    return {200, 110};
 }
 
 void TimelineView::setMix(const Timeline& mix, std::vector<Track> tracks, const FadeShape& fades,
@@ -86,10 +87,10 @@ void TimelineView::paintTrack(QPainter& painter, std::size_t index) const {
     if (static_cast<int>(index) == current_)
         plate = palette().color(QPalette::Highlight).darker(230);
     painter.fillRect(box, plate);
-    paintWave(painter, index, box);
+    paintWave(painter, index, box.adjusted(0, NameHeight, 0, -1));
     painter.setPen(palette().color(QPalette::Text));
     const QString name = u"%1  %2"_s.arg(index + 1).arg(tracks_[index].name);
-    const QRectF text = box.adjusted(5, 2, -5, 0);
+    const QRectF text = box.adjusted(5, 0, -5, 0);
     painter.drawText(text, Qt::AlignLeft | Qt::AlignTop,
                      painter.fontMetrics().elidedText(name, Qt::ElideRight, int(text.width())));
 }
