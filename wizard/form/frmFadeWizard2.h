@@ -49,6 +49,9 @@ class frmFadeWizard2 : public QMainWindow, private Host {
     void addPlaylistFile(const QString& path);
     int fileCount() const;
 
+    /// What has been set so far.
+    const Settings& settings() const { return session_.settings; }
+
     /// True from the moment it was closed.
     bool isClosing() const { return closing_; }
 
