@@ -100,7 +100,7 @@ std::shared_ptr<const SeenInput> onInputBox(const QString& text, bool accept) {
         auto* field = box->findChild<QLineEdit*>();
         field->selectAll();
         if (accept && text.isEmpty()) QTest::keyClick(field, Qt::Key_Delete);
-        if (accept) QTest::keyClicks(field, text);
+        if (accept) field->insert(text);  // keys can only be pressed for ASCII
         return pressStandard(box, accept ? QDialogButtonBox::Ok : QDialogButtonBox::Cancel);
     });
     return seen;
