@@ -23,12 +23,24 @@ void requireFile(const std::filesystem::path& file) {
     if (!failure && size == 0) throw fileError(file, "is empty");
 }
 
+/// Whether frames of MPEG audio follow one another right behind the file's leading tags.
+bool isMpegAudio(const std::filesystem::path& file) {
+    mpeg::FileReader reader(file);
+    mpeg::FrameScanner scanner(reader);
+    const auto first = scanner.next();
+    if (!first || first->offset != scanner.tags().leadingEnd) return false;
+    const auto second = scanner.next();
+    return !second || second->junkBefore == 0;
+}
+
 std::unique_ptr<Decoder::Source> openSource(const std::filesystem::path& file) {
     requireFile(file);
     if (wave::looksLikeWave(file)) {
         const wave::Layout layout = wave::readLayout(file);
         if (pcmTypeOf(layout.format)) return std::make_unique<WaveSource>(file, layout);
     }
+    // A few frames are too little for a probe by content alone, but not for one that follows them.
+    if (isMpegAudio(file)) return std::make_unique<MpegSource>(file);
     const std::string container = probeContainer(file);
     if (container == "mp3") return std::make_unique<MpegSource>(file);
     if (container == "ogg") {

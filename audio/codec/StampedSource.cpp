@@ -122,7 +122,7 @@ std::int64_t StampedSource::countFrames() {
         while (extendRun());
         end = runEnd();
     }
-    if (end < stated - preRoll) end = countByDecoding();
+    if (end < 0 || end < stated - preRoll) end = countByDecoding();
     rewindStream();
     if (back > 0) {
         jumpBefore(back);

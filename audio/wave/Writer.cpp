@@ -48,7 +48,7 @@ Writer::Writer(const std::filesystem::path& file, const Plan& plan) : file_(file
         if (chunk.id == "fmt " && !hasFmt) {
             putFmt();
             hasFmt = true;
-        } else if (chunk.id == "fact" && factBody_ < 0) {
+        } else if (chunk.id == "fact" && factBody_ < 0 && plan_.repeatFormat) {
             putFact();
         } else if (isOther(chunk)) {
             copyChunk(chunk);
@@ -103,7 +103,8 @@ void Writer::putSizesChunk() {
 }
 
 void Writer::putFmt() {
-    std::vector<std::byte> body = model_ ? model_->fmt : buildFormat(plan_.format);
+    const std::vector<std::byte> body =
+        model_ && plan_.repeatFormat ? model_->fmt : buildFormat(plan_.format);
     putHeader("fmt ", body.size());
     put(body);
     padToEven();
@@ -116,6 +117,9 @@ void Writer::putFact() {
 }
 
 void Writer::copyChunk(const Chunk& chunk) {
+    if (chunk.size > 0xFFFFFFFE)
+        throw platform::Error("The file \"" + platform::toUtf8(plan_.model) +
+                              "\" has a chunk of more than 4 GB besides its sound.");
     copyFromModel(chunk.offset, chunk.body + chunk.size);
     padToEven();
 }

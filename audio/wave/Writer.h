@@ -19,9 +19,11 @@ struct Plan {
     /// The bytes of sound that will come; -1 where that is not known. Where they need it the file
     /// becomes RF64; where they are unknown, room is reserved for that.
     std::int64_t dataBytes = -1;
-    /// A WAVE file whose fmt chunk is repeated byte for byte (it must describe `format`), in whose
-    /// order the chunks are written, and which makes the new file RF64 where it is RF64 itself.
+    /// A WAVE file in whose order the chunks are written, and which makes the new file RF64 where
+    /// it is RF64 itself. Empty: none. It must not change until finish().
     std::filesystem::path model;
+    /// Whether the model's fmt chunk is repeated byte for byte: only where it describes `format`.
+    bool repeatFormat = true;
     /// Whether the model's other chunks (all but fmt, data, fact, ds64) and what trails them are
     /// copied, byte for byte.
     bool copyChunks = true;

@@ -86,4 +86,23 @@ double snrDb(const std::vector<float>& reference, const std::vector<float>& othe
     return 10 * std::log10((signal + 1e-30) / (noise + 1e-30));
 }
 
+int lagOf(const Sound& reference, const Sound& other, int most) {
+    const auto first = static_cast<std::ptrdiff_t>(reference.frames() / 4);
+    const auto count = std::min<std::ptrdiff_t>(20'000, std::ptrdiff_t(reference.frames()) / 2);
+    const auto valueAt = [](const Sound& sound, std::ptrdiff_t frame) {
+        const bool inside = frame >= 0 && frame < std::ptrdiff_t(sound.frames());
+        return inside ? double(sound.samples[std::size_t(frame) * std::size_t(sound.channels)]) : 0;
+    };
+    int best = 0;
+    double greatest = -1;
+    for (int lag = -most; lag <= most; ++lag) {
+        double sum = 0;
+        for (std::ptrdiff_t i = first; i < first + count; ++i)
+            sum += valueAt(reference, i) * valueAt(other, i + lag);
+        if (sum > greatest) best = lag;
+        greatest = std::max(greatest, sum);
+    }
+    return best;
+}
+
 }  // namespace support

@@ -32,4 +32,8 @@ double maxDifference(const std::vector<float>& a, const std::vector<float>& b);
 /// Energy of the reference over that of the difference, in dB, over the common length.
 double snrDb(const std::vector<float>& reference, const std::vector<float>& other);
 
+/// By how many frames the other lies behind the reference, -most to most: where the correlation of
+/// their first channels, over the middle of the reference, is greatest.
+int lagOf(const Sound& reference, const Sound& other, int most);
+
 }  // namespace support

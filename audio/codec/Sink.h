@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "audio/codec/Encoder.h"
+#include "audio/codec/Source.h"
+
+namespace audio::codec {
+
+/// One way of writing a sound file; what each function promises stands at Encoder's of the same
+/// name.
+class Encoder::Sink {
+  public:
+    virtual ~Sink() = default;
+    virtual void write(const float* interleaved, std::size_t frames) = 0;
+    virtual void writePcm(const std::byte*, std::size_t) {}
+    virtual void finish() = 0;
+};
+
+}  // namespace audio::codec

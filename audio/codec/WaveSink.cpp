@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "audio/codec/WaveSink.h"
+
+#include <algorithm>
+
+#include "audio/codec/Pcm.h"
+#include "audio/codec/WaveSource.h"
+
+namespace audio::codec {
+namespace {
+
+constexpr std::size_t blockFrames = 8'192;
+
+wave::SoundFormat waveFormat(const Format& format) {
+    const bool floating =
+        format.sampleType == SampleType::F32 || format.sampleType == SampleType::F64;
+    wave::SoundFormat sound;
+    sound.tag = floating ? wave::formatTagFloat : wave::formatTagPcm;
+    sound.channels = format.channels;
+    sound.sampleRate = format.sampleRate;
+    sound.bitsPerSample = 8 * bytesPerSample(format.sampleType);
+    sound.validBits = format.bitsPerSample;
+    if (sound.validBits < 1 || sound.validBits > sound.bitsPerSample)
+        sound.validBits = sound.bitsPerSample;
+    sound.channelMask = static_cast<std::uint32_t>(format.channelMask);
+    sound.blockAlign = format.channels * bytesPerSample(format.sampleType);
+    return sound;
+}
+
+/// A model of another format, or one that is no WAVE file at all, gives its chunks at most.
+wave::Plan planFor(const Format& format, const EncoderOptions& options) {
+    wave::Plan plan;
+    plan.format = waveFormat(format);
+    plan.copyChunks = options.copyWaveChunks;
+    if (options.expectedFrames >= 0)
+        plan.dataBytes = options.expectedFrames * plan.format.blockAlign;
+    if (!options.waveModel.empty() && wave::looksLikeWave(options.waveModel)) {
+        plan.model = options.waveModel;
+        const wave::Layout model = wave::readLayout(options.waveModel);
+        plan.repeatFormat = pcmTypeOf(model.format) == format.sampleType &&
+                            model.format.channels == format.channels &&
+                            model.format.sampleRate == format.sampleRate;
+    }
+    return plan;
+}
+
+}  // namespace
+
+WaveSink::WaveSink(const std::filesystem::path& file, const Format& format,
+                   const EncoderOptions& options)
+    : type_(format.sampleType),
+      channels_(static_cast<std::size_t>(format.channels)),
+      writer_(file, planFor(format, options)) {}
+
+void WaveSink::write(const float* interleaved, std::size_t frames) {
+    while (frames > 0) {
+        const std::size_t count = std::min(frames, blockFrames);
+        const std::size_t samples = count * channels_;
+        block_.resize(samples * static_cast<std::size_t>(bytesPerSample(type_)));
+        floatToPcm(type_, interleaved, block_.data(), samples);
+        writer_.write(block_.data(), block_.size());
+        interleaved += samples;
+        frames -= count;
+    }
+}
+
+void WaveSink::writePcm(const std::byte* bytes, std::size_t frames) {
+    writer_.write(bytes, frames * channels_ * static_cast<std::size_t>(bytesPerSample(type_)));
+}
+
+}  // namespace audio::codec
