@@ -24,6 +24,8 @@ class Report {
     Report(const Report&) = delete;
     Report& operator=(const Report&) = delete;
 
+    Style style() const { return style_; }
+
     /// Opens a run over so many files: from here to end() a terminal shows the bar.
     void begin(std::size_t files);
     /// How much of a file of the run (counted from 0) is done, 0 to 1.

@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <QStringList>
+
+namespace cli {
+
+class Report;
+
+/// The files that the arguments LIST|FILE... name, in order, as absolute native paths: a playlist
+/// (by its extension: m3u, m3u8, pls) stands for its entries, anything else for itself. A playlist
+/// that cannot be read is reported as failed; its entries are taken as they are, missing or not.
+QStringList namedFiles(const std::vector<std::string>& arguments, Report& report);
+
+}  // namespace cli
