@@ -9,7 +9,11 @@
 #include <QFile>
 #include <QTimer>
 
+#include "app/EffectsHost.h"
 #include "app/HandoffHost.h"
+#include "effects/batch/BatchRunner.h"
+#include "effects/dialogs/EffectDialogs.h"
+#include "effects/engine/AudioEditor.h"
 #include "platform/Paths.h"
 #include "platform/ResumeNext.h"
 #include "player/deck/Deck.h"
@@ -53,6 +57,7 @@ frmMain::frmMain(QWidget* parent)
     : QWidget(parent),
       ui_(std::make_unique<Ui::frmMain>()),
       PlayerEngine1(named<player::PlayerEngine>(u"PlayerEngine1"_s, this)),
+      AudioEditor1(named<effects::AudioEditor>(u"AudioEditor1"_s, this)),
       CommonDialog1(named<widgets::CommonDialog>(u"CommonDialog1"_s, this)),
       Timer1(named<QTimer>(u"Timer1"_s, this)),
       Timer2(named<QTimer>(u"Timer2"_s, this)) {
@@ -65,6 +70,7 @@ frmMain::frmMain(QWidget* parent)
     deck_ = std::make_unique<player::Deck>(*PlayerEngine1, deckControls(*ui_));
     handoff_ = std::make_unique<HandoffHost>(
         HandoffHost::Parts{*this, *ui_, *PlayerEngine1, *list_, *files_, TotalMinutes, closing_});
+    buildEffects();
     buildMenus();
     connectCommands();
     connectEvents();
@@ -78,6 +84,7 @@ frmMain::~frmMain() = default;
 // No result is examined: a working folder that is there already, or a missing sound, is no matter.
 void frmMain::Form_Initialize() {
     platform::resumeNext([] { QDir().mkpath(platform::fixedPath(u"C:\\Zolvo_Temp"_s)); });
+    AudioEditor1->SetTemporaryFolder(platform::fixedPath(u"C:\\Zolvo_Temp\\"_s));
     PlayerEngine1->LoadSound(0, platform::besideApplication(u"\\wt.mp3"_s));
     PlayerEngine1->PlaySound(0);
 }

@@ -16,6 +16,11 @@ class QTimer;
 namespace Ui {
 class frmMain;
 }
+namespace effects {
+class AudioEditor;
+class BatchRunner;
+class EffectDialogs;
+}  // namespace effects
 namespace player {
 class Deck;
 class PlayerEngine;
@@ -30,6 +35,7 @@ class CommonDialog;
 
 namespace app {
 
+class EffectsHost;
 class HandoffHost;
 
 /// The main window: the playlist's list view, the player deck, and the two pop-up menus from which
@@ -54,6 +60,9 @@ class frmMain : public QWidget {
     /// Adds sound files and folders given by hand behind the last entry, or loads a list among
     /// them; says what there is no file of.
     void openPaths(const QStringList& paths);
+
+    /// Fades in over the first sixth of what the editor engine holds and out over its last sixth.
+    void AutoFadeInOut();
 
     /// The two pop-up menus, under their fixed names.
     QMenu* mnuPlaylist_Menu = nullptr;
@@ -121,6 +130,22 @@ class frmMain : public QWidget {
     void PlayerEngine1_NowPlayingChanged(int player, int index);
     void PlayerEngine1_PlaybackEnded(int player, int index);
 
+    // frmMain_effects.cpp
+    void buildEffects();
+    void mnuAmpMinus_Selected_Click();
+    void mnuAmpPlus_Selected_Click();
+    void mnuNormalize_selected_Click();
+    void mnuSilence2Frt_Click();
+    void mnuAdd_Silence_end_Click();
+    void showEffects(std::int16_t mode, const QString& caption);
+    void mnuFadeIn_selected_Click();
+    void mnuFadeOut_selected_Click();
+    void mnuEch_Selected_Click();
+    void mnuTrim_Silence_Click();
+    void mnuAutoFade_Selected_Click();
+    void Button12_Click();
+    void AudioEditor1_Progress(int percent);
+
     // frmMain_handoff.cpp
     void mnu2MP3Player_Click();
     void mnu_copy2folder_Click();
@@ -132,6 +157,7 @@ class frmMain : public QWidget {
 
     std::unique_ptr<Ui::frmMain> ui_;
     player::PlayerEngine* PlayerEngine1;
+    effects::AudioEditor* AudioEditor1;
     widgets::CommonDialog* CommonDialog1;
     QTimer* Timer1;  // position, every 500 ms
     QTimer* Timer2;  // totals, every 2000 ms
@@ -141,6 +167,9 @@ class frmMain : public QWidget {
     std::unique_ptr<playlist::PlaylistFiles> files_;
     std::unique_ptr<player::Deck> deck_;
     std::unique_ptr<HandoffHost> handoff_;
+    std::unique_ptr<EffectsHost> effectsHost_;
+    std::unique_ptr<effects::BatchRunner> runner_;
+    std::unique_ptr<effects::EffectDialogs> dialogs_;
     std::int16_t TotalMinutes = 0;  // of the list, written by Timer2_Timer
     bool closing_ = false;          // the window was closed; long work ends after the file in hand
 };

@@ -20,8 +20,19 @@ const std::vector<frmMain::Command>& frmMain::commands() {
         // buttons
         CLICK(Button7),
         CLICK(Button1),
+        CLICK(Button12),
         // Options menu: the list
         // Options menu: effects
+        CLICK(mnuAdd_Silence_end),
+        CLICK(mnuSilence2Frt),
+        CLICK(mnuAmpMinus_Selected),
+        CLICK(mnuAmpPlus_Selected),
+        CLICK(mnuEch_Selected),
+        CLICK(mnuAutoFade_Selected),
+        CLICK(mnuFadeIn_selected),
+        CLICK(mnuFadeOut_selected),
+        CLICK(mnuTrim_Silence),
+        CLICK(mnuNormalize_selected),
         // Options menu: files
         CLICK(mnu2MP3Player),
         CLICK(mnu_copy2folder),

@@ -3,6 +3,8 @@
 
 #include <exception>
 
+#include <QScopedValueRollback>
+
 #include "app/modules/modMain.h"
 #include "effects/engine/AudioEditor.h"
 
@@ -74,14 +76,19 @@ void BatchRunner::trim() {
     host_.setStatus({});
 }
 
+// A click on the button within a run could save one file's sound over another's: only the run's own
+// step counts then.
 void BatchRunner::save() {
+    if (saving_ || (running_ && phase_ != saving)) return;
+    const QScopedValueRollback busy(saving_, true);
     host_.yield();
     attempt([this] { host_.editor().Save(host_.fileName(), true, 0); });
     host_.yield();
 }
 
 void BatchRunner::progress(int percent) {
-    if (running_) host_.setFileProgress((phase_ + percent / 100.0) / phases);
+    if (!running_) return host_.repaint();
+    host_.setFileProgress((phase_ + percent / 100.0) / phases);
     host_.yield();
 }
 

@@ -58,6 +58,7 @@ class BatchRunner {
 
     RunnerHost& host_;
     bool running_ = false;
+    bool saving_ = false;  // the save step is under way
     int done_ = 0;         // files begun in this run: the bar's value
     int phase_ = loading;  // of the file in hand
     QString reason_;       // why the file in hand failed; empty while it has not

@@ -43,6 +43,8 @@ class RunnerHost {
 
     /// Lets pending window events be handled.
     virtual void yield() = 0;
+    /// Lets the window be drawn, but takes no input.
+    virtual void repaint() = 0;
     /// A box with this text and OK, without title or icon; returns when it is dismissed.
     virtual void showMessage(const QString& text) = 0;
     /// Whether the window has been closed meanwhile: the run then ends after the file in hand.

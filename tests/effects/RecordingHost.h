@@ -52,6 +52,7 @@ class RecordingRunnerHost : public effects::RunnerHost {
         log("yield");
         if (onYield) onYield();
     }
+    void repaint() override { log("repaint"); }
     void showMessage(const QString& text) override {
         log(("message [" + text.toStdString() + "]").c_str());
     }
