@@ -19,9 +19,12 @@ void showUnhandled(const QString& sentence) {
 
 Application::Application(int& argc, char** argv) : QApplication(argc, argv) {
     setApplicationName(QStringLiteral("tracksmith"));
-    setApplicationDisplayName(QStringLiteral("Tracksmith"));
     setDesktopFileName(QStringLiteral("tracksmith"));
     setApplicationVersion(QStringLiteral("5.8"));
+}
+
+QString Application::title() {
+    return QStringLiteral("Tracksmith");
 }
 
 bool Application::notify(QObject* receiver, QEvent* event) {

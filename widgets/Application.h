@@ -13,6 +13,10 @@ class Application : public QApplication {
     /// Sets name and titles; argc must outlive the object, as QApplication asks.
     Application(int& argc, char** argv);
 
+    /// The program's name as people know it. Not the application's display name: that would be put
+    /// behind the title of every window.
+    static QString title();
+
     bool notify(QObject* receiver, QEvent* event) override;
 };
 

@@ -4,6 +4,8 @@
 #include <QApplication>
 #include <QMessageBox>
 
+#include "widgets/Application.h"
+
 namespace widgets {
 namespace {
 
@@ -66,8 +68,7 @@ MsgResult result(int pressed) {
 }  // namespace
 
 MsgResult msgBox(const QString& text, MsgButtons buttons, MsgIcon icon, const QString& title) {
-    QMessageBox box(standardIcon(icon),
-                    title.isEmpty() ? QApplication::applicationDisplayName() : title, QString(),
+    QMessageBox box(standardIcon(icon), title.isEmpty() ? Application::title() : title, QString(),
                     standardButtons(buttons), QApplication::activeWindow());
     box.setObjectName(QStringLiteral("MsgBox"));
     box.setTextFormat(Qt::PlainText);
