@@ -10,7 +10,10 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace effects {
 
-EffectForm::EffectForm(BatchRunner& runner, QWidget* parent) : QDialog(parent), runner_(runner) {}
+EffectForm::EffectForm(BatchRunner& runner, QWidget* parent)
+    : QDialog(parent, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                          Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint),
+      runner_(runner) {}
 
 void EffectForm::Command2_Click() {
     unload();
