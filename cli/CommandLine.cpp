@@ -9,6 +9,8 @@
 #include "cli/Session.h"
 #include "cli/commands/ConvertList.h"
 #include "cli/commands/Copy.h"
+#include "cli/commands/Effect.h"
+#include "cli/commands/Show.h"
 
 namespace cli {
 namespace {
@@ -18,6 +20,8 @@ constexpr int badUsage = 2;
 
 // Every command, in the order in which the help lists them: one add<Name>Command from commands/.
 void addCommands(CLI::App& app, Session& session) {
+    addShowCommand(app, session);
+    addEffectCommand(app, session);
     addCopyCommand(app, session);
     addConvertListCommand(app, session);
 }

@@ -10,6 +10,7 @@
 #include "cli/Jobs.h"
 #include "cli/Report.h"
 #include "effects/engine/AudioEditor.h"
+#include "platform/Interrupt.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -68,6 +69,7 @@ class FileWork {
         int phase = 0;
         QObject::connect(&editor, &effects::AudioEditor::Progress, [&](int percent) {
             report_.progress(number_, (phase + percent / 100.0) / 3);
+            if (platform::interrupted()) editor.CloseSound();  // ends the operation in hand
         });
         editor.Load(task_.source);
         phase = 1;

@@ -20,7 +20,8 @@ constexpr std::chrono::milliseconds redrawPause{50};
 // Names come from files: none of them may steer the reader's terminal or break a line.
 QString printable(QString text) {
     for (QChar& character : text)
-        if (character.category() == QChar::Other_Control) character = QChar::ReplacementCharacter;
+        if (character.category() == QChar::Other_Control && character != u'\t')
+            character = QChar::ReplacementCharacter;
     return text;
 }
 

@@ -61,7 +61,7 @@ void addEchoOptions(CLI::App& command, effects::EchoSettings& echo) {
 
 void addFadeOptions(CLI::App& command, Options& options) {
     command.add_option("--seconds", options.seconds, "Length of the fade")
-        ->check(CLI::Range(0.001, longestFadeSeconds))
+        ->check(CLI::Range(0.001, longestFadeSeconds).description(""))
         ->capture_default_str();
     addInteger(command, "--level", options.settings.level, 0, 50,
                "Percent at the quiet end of the fade");
