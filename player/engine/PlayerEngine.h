@@ -48,7 +48,7 @@ class PlayerEngine : public QObject {
   public:
     explicit PlayerEngine(QObject* parent = nullptr);
     /// With a sound output and a decoder of the caller's choice.
-    explicit PlayerEngine(EngineParts parts, QObject* parent = nullptr);
+    explicit PlayerEngine(const EngineParts& parts, QObject* parent = nullptr);
     /// Stops both players and waits for their threads.
     ~PlayerEngine() override;
 
@@ -130,7 +130,8 @@ class PlayerEngine : public QObject {
     /// same form where it is known ("1:05 / 4:20"); empty where nothing is loaded. The two numbers
     /// have no meaning here.
     QString GetFormattedPosition(std::int16_t player, std::int32_t, std::int32_t) const;
-    /// To an exact frame of the current entry, clamped to it, in the current unit.
+    /// To an exact frame of the current entry, clamped to it, in the current unit. Does nothing
+    /// while stopped.
     void Seek(std::int16_t player, std::int32_t position);
     /// The length of what is loaded, milliseconds; -1 while unknown or where nothing is loaded.
     std::int64_t LengthMs(std::int16_t player) const;

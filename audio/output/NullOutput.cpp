@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "audio/output/NullOutput.h"
+
+#include <chrono>
+
+namespace audio::output {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr auto kLate = std::chrono::seconds(1);  // after a suspend: no catching up
+
+}  // namespace
+
+NullOutput::NullOutput(int rate, FrameSource& source)
+    : timing_{rate, 0, true}, source_(source), block_(2 * kBlockFrames) {}
+
+NullOutput::~NullOutput() {
+    {
+        const std::lock_guard lock(mutex_);
+        quit_ = true;
+    }
+    wake_.notify_all();
+    if (thread_.joinable()) thread_.join();
+}
+
+void NullOutput::start() {
+    thread_ = std::thread([this] { run(); });
+}
+
+void NullOutput::run() {
+    // From one start the frames taken are counted, so that the pace does not drift.
+    auto start = Clock::now();
+    std::int64_t taken = 0;
+    std::unique_lock lock(mutex_);
+    while (!quit_) {
+        lock.unlock();
+        source_.render(block_.data(), kBlockFrames, timing_);
+        taken += kBlockFrames;
+        lock.lock();
+        const auto due = start + std::chrono::nanoseconds(taken * 1'000'000'000 / timing_.rate);
+        if (Clock::now() - due > kLate) {
+            start = Clock::now();
+            taken = 0;
+        }
+        wake_.wait_until(lock, due, [this] { return quit_; });
+    }
+}
+
+}  // namespace audio::output

@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <memory>
+
+#include "audio/output/OutputDevice.h"
+
+namespace audio::output {
+
+/// The default sound device through SDL, whose driver the environment may choose
+/// (SDL_AUDIODRIVER). SDL converts where the device does not take float stereo at this rate.
+/// Throws platform::Error where no device can be opened.
+std::unique_ptr<OutputDevice> openSdlOutput(int rate, FrameSource& source);
+
+}  // namespace audio::output

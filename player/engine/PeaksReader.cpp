@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "player/engine/PeaksReader.h"
+
+#include <chrono>
+#include <exception>
+#include <utility>
+#include <vector>
+
+namespace player {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using namespace std::chrono_literals;
+
+constexpr std::size_t kColumns = 2048;
+constexpr std::size_t kChunk = 8192;
+constexpr auto kPublishEvery = 250ms;
+
+}  // namespace
+
+PeaksReader::PeaksReader(OpenSound openSound, std::function<void()> changed)
+    : openSound_(std::move(openSound)), changed_(std::move(changed)) {}
+
+PeaksReader::~PeaksReader() {
+    {
+        const std::lock_guard lock(mutex_);
+        quit_ = true;
+        ++request_;
+    }
+    wake_.notify_all();
+    if (thread_.joinable()) thread_.join();
+}
+
+std::shared_ptr<const audio::dsp::Peaks> PeaksReader::peaks(const QString& path) {
+    const std::lock_guard lock(mutex_);
+    if (path != path_) {
+        path_ = path;
+        peaks_.reset();
+        ++request_;
+        if (!thread_.joinable()) thread_ = std::thread([this] { run(); });
+        wake_.notify_all();
+    }
+    return peaks_;
+}
+
+void PeaksReader::release(const QString& path) {
+    std::unique_lock lock(mutex_);
+    if (path != path_) return;
+    path_.clear();
+    peaks_.reset();
+    ++request_;
+    rested_.wait(lock, [this] { return !busy_; });
+}
+
+void PeaksReader::run() {
+    std::unique_lock lock(mutex_);
+    while (true) {
+        wake_.wait(lock, [this] { return quit_ || done_ != request_; });
+        if (quit_) return;
+        const unsigned request = done_ = request_;
+        const QString path = path_;
+        if (path.isEmpty()) continue;
+        busy_ = true;
+        lock.unlock();
+        measure(path, request);
+        lock.lock();
+        busy_ = false;
+        rested_.notify_all();
+    }
+}
+
+void PeaksReader::measure(const QString& path, unsigned request) {
+    try {
+        const auto source = openSound_(path);
+        audio::dsp::PeakMeter meter(source->frames(), source->channels(), kColumns);
+        std::vector<float> chunk(kChunk * std::size_t(source->channels()));
+        auto published = Clock::now();
+        while (const std::size_t frames = source->read(chunk.data(), kChunk)) {
+            meter.add(chunk.data(), frames);
+            if (Clock::now() - published < kPublishEvery) continue;
+            published = Clock::now();
+            if (!publish(meter.peaks(), request)) return;
+        }
+        publish(meter.peaks(), request);
+    } catch (const std::exception&) {
+        // A file that cannot be read to its end has the peaks found until then.
+    }
+}
+
+/// False where they are wanted no more.
+bool PeaksReader::publish(const audio::dsp::Peaks& peaks, unsigned request) {
+    auto copy = std::make_shared<const audio::dsp::Peaks>(peaks);
+    {
+        const std::lock_guard lock(mutex_);
+        if (request != request_) return false;
+        peaks_ = std::move(copy);
+    }
+    changed_();
+    return true;
+}
+
+}  // namespace player
