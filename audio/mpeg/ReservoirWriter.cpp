@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "audio/mpeg/Checksums.h"
 
@@ -46,6 +47,7 @@ void ReservoirWriter::add(const LogicalFrame& frame, const FrameHeader& slot) {
     const auto sideSize = static_cast<std::size_t>(header.sideInfoSize());
     const auto side = std::span(bytes).subspan(overhead - sideSize, sideSize);
     std::copy_n(frame.sideInfo.begin(), sideSize, side.begin());
+    clearLeftovers();
     const int back = room();
     setMainDataBegin(header, side, back);
     updateFrameCrc(header, bytes);
@@ -83,10 +85,14 @@ void ReservoirWriter::skipKept() {
 
 void ReservoirWriter::endKept() {
     used_ = std::min(used_, capacity_);
-    // What the dropped frames had there is nobody's now.
+    leftovers_ = true;
+}
+
+// What dropped frames had behind the last kept one's data is nobody's now.
+void ReservoirWriter::clearLeftovers() {
+    if (!std::exchange(leftovers_, false)) return;
     const std::int64_t from = std::max(used_, slots_.empty() ? capacity_ : slots_.front().begin);
-    const std::vector<std::uint8_t> zeros(static_cast<std::size_t>(capacity_ - from), 0);
-    put(from, zeros);
+    put(from, std::vector<std::uint8_t>(static_cast<std::size_t>(capacity_ - from), 0));
 }
 
 void ReservoirWriter::finish() {

@@ -53,12 +53,14 @@ class ReservoirWriter {
     void push(std::vector<std::uint8_t> bytes, std::size_t overhead);
     void put(std::int64_t at, std::span<const std::uint8_t> bytes);
     void flush(std::int64_t until);
+    void clearLeftovers();
 
     StreamWriter& writer_;
     FrameHeader like_;
     std::deque<Slot> slots_;
     std::int64_t capacity_ = 0;  // main data bytes of all slots so far
     std::int64_t used_ = 0;      // where the last frame's main data end
+    bool leftovers_ = false;     // a kept run ended last
 };
 
 /// A header for new sound: coding from `coding`, bit-rate and padding from `slot`, the rest like

@@ -9,6 +9,7 @@
 
 #include <QProcess>
 
+#include "audio/mpeg/FrameIndex.h"
 #include "platform/Paths.h"
 
 namespace support {
@@ -123,14 +124,9 @@ Sound decode(const std::filesystem::path& path, Judge judge, bool gapless) {
     const QByteArray pcm = run(
         judge == Judge::Ffmpeg ? QStringLiteral("ffmpeg") : QStringLiteral("mpg123"), arguments);
     Sound sound;
-    const QByteArray facts =
-        run(QStringLiteral("ffprobe"),
-            {QStringLiteral("-v"), QStringLiteral("fatal"), QStringLiteral("-show_entries"),
-             QStringLiteral("stream=sample_rate,channels"), QStringLiteral("-of"),
-             QStringLiteral("csv=p=0"), text(path)});
-    const QList<QByteArray> fields = facts.trimmed().split(',');
-    sound.rate = fields.value(0).toInt();
-    sound.channels = fields.value(1).toInt();
+    const audio::mpeg::FrameIndex index(path);
+    sound.rate = index.header().sampleRate;
+    sound.channels = index.header().channels();
     sound.samples.resize(static_cast<std::size_t>(pcm.size()) / 4);
     std::memcpy(sound.samples.data(), pcm.constData(), sound.samples.size() * 4);
     return sound;
