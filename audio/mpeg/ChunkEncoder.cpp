@@ -16,8 +16,11 @@ namespace {
 constexpr std::int64_t chunkFrames = 49 * 20;
 // How far a chunk's frames run on into the next one's, for a place where both fit.
 constexpr std::int64_t overlapFrames = 32;
-// Frames after which an encoder has forgotten that it started here.
-constexpr std::int64_t chunkPreRoll = 24;
+// Frames after which an encoder has forgotten that it started here; the reservoir takes longest.
+std::int64_t preRollOf(const EncoderSettings& settings) {
+    if (settings.layer != 3) return 2;
+    return settings.rate == EncoderSettings::Rate::Quality ? 8 : 24;
+}
 // The encoder looks so far ahead.
 constexpr std::int64_t postRoll = 6;
 // More chunks at a time would cost memory.
@@ -57,8 +60,9 @@ std::int64_t encoderStart(const Geometry& geometry, std::int64_t start, std::int
 
 }  // namespace
 
-std::vector<ChunkPlan> planChunks(const Geometry& geometry, std::int64_t start, std::int64_t first,
-                                  std::int64_t end) {
+std::vector<ChunkPlan> planChunks(const EncoderSettings& settings, std::int64_t start,
+                                  std::int64_t first, std::int64_t end) {
+    const Geometry geometry = Geometry::of(settings.layer, settings.samplesPerFrame());
     std::vector<ChunkPlan> plans;
     std::int64_t from = first;
     while (from < end) {
@@ -68,8 +72,7 @@ std::vector<ChunkPlan> planChunks(const Geometry& geometry, std::int64_t start, 
         ChunkPlan plan;
         plan.first = from;
         plan.end = last ? end : to + overlapFrames;
-        plan.encodeFrom =
-            encoderStart(geometry, start, from, plans.empty() ? geometry.preRoll : chunkPreRoll);
+        plan.encodeFrom = encoderStart(geometry, start, from, preRollOf(settings));
         plan.lastOfRegion = last;
         plans.push_back(plan);
         from = to;
@@ -142,7 +145,7 @@ std::shared_ptr<const std::vector<float>> ChunkEncoder::readSound(const ChunkPla
 
 std::vector<LogicalFrame> ChunkEncoder::cheaper(const Chunk& chunk, std::int64_t first,
                                                 std::int64_t count, int steps) const {
-    const std::int64_t from = std::max(chunk.plan.encodeFrom, first - geometry_.preRoll);
+    const std::int64_t from = std::max(chunk.plan.encodeFrom, first - preRollOf(settings_));
     const auto perFrame =
         static_cast<std::size_t>(geometry_.frame) * static_cast<std::size_t>(settings_.channels());
     const auto skip = static_cast<std::size_t>(from - chunk.plan.encodeFrom) * perFrame;

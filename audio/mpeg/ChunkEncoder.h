@@ -38,8 +38,8 @@ struct Chunk {
 /// Frames [first, end) of the new stream as chunks of a fixed length, so that the result depends on
 /// no number of threads. `reach` frames before and behind are encoded too, where a search for a
 /// seam may want them.
-std::vector<ChunkPlan> planChunks(const Geometry& geometry, std::int64_t start, std::int64_t first,
-                                  std::int64_t end);
+std::vector<ChunkPlan> planChunks(const EncoderSettings& settings, std::int64_t start,
+                                  std::int64_t first, std::int64_t end);
 
 /// Encodes chunks on several threads, and gives them in order. The sound is read on the calling
 /// thread, a few chunks ahead.

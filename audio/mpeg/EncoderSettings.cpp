@@ -2,6 +2,7 @@
 #include "audio/mpeg/EncoderSettings.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace audio::mpeg {
 
@@ -13,12 +14,16 @@ Version EncoderSettings::version() const {
 EncoderSettings EncoderSettings::cheaper(int steps) const {
     EncoderSettings lower = *this;
     if (rate == Rate::Quality) {
-        lower.quality = std::min(9.9, quality + steps);
+        lower.quality = std::min(9.9, quality + 0.5 * steps);
         return lower;
     }
-    int index = 1;
-    while (index < 14 && FrameHeader::bitRateOf(version(), layer, index + 1) <= bitRate) ++index;
-    lower.bitRate = FrameHeader::bitRateOf(version(), layer, std::max(1, index - steps));
+    // Small steps first, so that many frames give way a little; an average may lie anywhere.
+    constexpr int smallSteps = 8;
+    const double factor = std::pow(0.94, std::min(steps, smallSteps)) *
+                          std::pow(0.7, std::max(0, steps - smallSteps));
+    const int lowest = FrameHeader::bitRateOf(version(), 3, 1);
+    lower.rate = Rate::Average;
+    lower.bitRate = std::max(lowest, static_cast<int>(bitRate * factor / 1000) * 1000);
     return lower;
 }
 

@@ -19,7 +19,7 @@ struct EncoderSettings {
     int channels() const { return mode == ChannelMode::Mono ? 1 : 2; }
     Version version() const;
     int samplesPerFrame() const { return layer == 3 && version() != Version::Mpeg1 ? 576 : 1152; }
-    /// The same `steps` further down: the next lower bit-rates, or so many V more.
+    /// Settings for frames a little smaller, the smaller the more `steps` (1 …). Layer III.
     EncoderSettings cheaper(int steps) const;
 };
 

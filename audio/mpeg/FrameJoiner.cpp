@@ -55,7 +55,7 @@ class ReservoirJoiner : public FrameJoiner {
         const FitProblem problem{std::move(frames), freeSlots_, out_.room(), needBehind, cheaper};
         const auto fitted = fit(problem);
         if (fitted.size() != problem.frames.size()) {
-            throw CannotSplice("The new frames do not fit between the old ones.");
+            throw DoesNotFit("The new frames do not fit between the old ones.");
         }
         for (const FittedFrame& frame : fitted) out_.add(frame.frame, frame.slot);
     }
@@ -99,6 +99,12 @@ class ReservoirJoiner : public FrameJoiner {
     int needOf(std::int64_t sourceFrame) override {
         const auto reservoir = source_->reservoir(sourceFrame);
         return reservoir ? static_cast<int>(reservoir->size()) : 0;
+    }
+    int roomAfter(std::int64_t sourceFrame) override {
+        const SideInfo info = source_->sideInfo(sourceFrame);
+        const auto size = static_cast<int>(source_->index().frame(sourceFrame).size);
+        const int left = info.mainDataBegin + size - like_.overhead() - info.mainBytes();
+        return std::clamp(left, 0, longestReservoir(like_));
     }
     bool fits(const LogicalFrame& left, const LogicalFrame& right) const override {
         return left.info.windowsFit(right.info);
@@ -149,6 +155,7 @@ class PlainJoiner : public FrameJoiner {
     void addKept(std::int64_t first, std::int64_t count) override { copier_.copy(first, count); }
     void finish() override {}
     int needOf(std::int64_t) override { return 0; }
+    int roomAfter(std::int64_t) override { return 0; }
     bool fits(const LogicalFrame&, const LogicalFrame&) const override { return true; }
     bool fitsAfterSource(std::int64_t, const LogicalFrame&) override { return true; }
     bool fitsBeforeSource(const LogicalFrame&, std::int64_t) override { return true; }

@@ -13,6 +13,12 @@
 
 namespace audio::mpeg {
 
+/// New frames did not fit before the frame behind them; nothing of them was written.
+class DoesNotFit : public CannotSplice {
+  public:
+    using CannotSplice::CannotSplice;
+};
+
 /// Puts kept and new frames behind one another, as the layer has it. One thread. Every function
 /// throws CannotSplice where the frames do not fit.
 class FrameJoiner {
@@ -20,7 +26,8 @@ class FrameJoiner {
     virtual ~FrameJoiner() = default;
 
     /// New frames; `needBehind` = bytes of reservoir to be left for the frame behind them;
-    /// `cheaper` encodes part of them again (first, count, steps) where they do not fit.
+    /// `cheaper` encodes part of them again (first, count, steps) where they do not fit. Throws
+    /// DoesNotFit where even that does not help.
     virtual void addEncoded(
         std::vector<LogicalFrame> frames, int needBehind,
         const std::function<std::vector<LogicalFrame>(std::size_t, std::size_t, int)>& cheaper) = 0;
@@ -32,6 +39,8 @@ class FrameJoiner {
 
     /// Bytes of reservoir that the source's frame needs before it.
     virtual int needOf(std::int64_t sourceFrame) = 0;
+    /// Bytes of reservoir that the source's frames up to this one leave.
+    virtual int roomAfter(std::int64_t sourceFrame) = 0;
     /// Whether the windows of two frames fit; for a source frame, either side.
     virtual bool fits(const LogicalFrame& left, const LogicalFrame& right) const = 0;
     virtual bool fitsAfterSource(std::int64_t sourceFrame, const LogicalFrame& right) = 0;

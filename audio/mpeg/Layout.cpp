@@ -226,10 +226,9 @@ Geometry Geometry::of(int layer, int samplesPerFrame) {
     if (layer == 3) {
         Geometry geometry;
         geometry.frame = samplesPerFrame;
-        geometry.preRoll = samplesPerFrame == 576 ? 6 : 4;
         return geometry;
     }
-    return {1152, 480, 481, 481, 2, false};
+    return {1152, 480, 481, 481, false};
 }
 
 std::int64_t Layout::keptFrames() const {

@@ -16,7 +16,6 @@ struct Geometry {
     std::int64_t tail = 1056;         ///< frame F changes raw [frame·F, frame·(F+1) + tail)
     std::int64_t decoderDelay = 529;  ///< what decoders drop beside the stated encoder delay
     std::int64_t codecDelay = 1105;   ///< the first sample encoded comes out at this raw index
-    std::int64_t preRoll = 4;         ///< frames an encoder needs before those that count
     bool infoFrame = true;            ///< whether a stream can state delay and padding
 
     static Geometry of(int layer, int samplesPerFrame);

@@ -12,6 +12,34 @@ constexpr std::int64_t seamSearch = 8;
 // Of a kept piece, so many frames stay kept wherever its seams go.
 constexpr std::int64_t keptAlways = 3;
 
+// Places where windows fit, the best first: the first one that lacks little reservoir, then by what
+// they lack, which cheaper frames have to make up for.
+class SeamChoice {
+  public:
+    explicit SeamChoice(int tolerance) : tolerance_(tolerance) {}
+
+    void offer(std::int64_t seam, int lack) {
+        offers_.push_back({std::max(lack, tolerance_), seam});
+    }
+    bool settled() const { return !offers_.empty() && offers_.back().lack <= tolerance_; }
+    std::vector<std::int64_t> bestFirst(const char* whyNone) {
+        if (offers_.empty()) throw CannotSplice(whyNone);
+        std::stable_sort(offers_.begin(), offers_.end(),
+                         [](const Offer& a, const Offer& b) { return a.lack < b.lack; });
+        std::vector<std::int64_t> seams;
+        for (const Offer& offer : offers_) seams.push_back(offer.seam);
+        return seams;
+    }
+
+  private:
+    struct Offer {
+        int lack = 0;
+        std::int64_t seam = 0;
+    };
+    int tolerance_;
+    std::vector<Offer> offers_;
+};
+
 std::int64_t sourceFrameOf(const Piece& piece, std::int64_t frame) {
     return piece.sourceFrame + (frame - piece.first);
 }
@@ -22,7 +50,6 @@ PieceWriter::PieceWriter(const EncoderSettings& settings, const Layout& layout, 
                          StreamWriter& writer, SourceFrames* source, const FrameHeader& like,
                          int threads, std::function<void(double)> progress)
     : settings_(settings),
-      geometry_(Geometry::of(settings.layer, settings.samplesPerFrame())),
       layout_(layout),
       progress_(std::move(progress)),
       tick_([this] { report(); }) {
@@ -45,7 +72,7 @@ std::vector<ChunkPlan> PieceWriter::planAll() const {
         const bool after = i + 1 < pieces.size();
         const std::int64_t first = pieces[i].first - (before ? seamSearch : 0);
         const std::int64_t end = pieces[i].end() + (after ? seamSearch : 0);
-        const auto plans = planChunks(geometry_, layout_.start, first, end);
+        const auto plans = planChunks(settings_, layout_.start, first, end);
         all.insert(all.end(), plans.begin(), plans.end());
     }
     return all;
@@ -93,60 +120,67 @@ void PieceWriter::addRegion(const Piece* before, const Piece* after) {
         first = seam;
         chunk = std::move(next);
     }
-    std::int64_t end = chunk.plan.end;
-    int need = 0;
-    if (after) {
-        end = rightSeam(chunk, *after);
-        need = joiner_->needOf(sourceFrameOf(*after, end));
-        open_ = after;
-        openFirst_ = end;
-    }
-    addFrames(chunk, first, end, need);
+    const std::int64_t end = after ? addLast(chunk, first, *after) : chunk.plan.end;
+    if (!after) addFrames(chunk, first, end, 0);
     encoded_.back().count = end - encoded_.back().first;
 }
 
+// Adds a region's last frames, up to the best place from where kept ones can go on.
+std::int64_t PieceWriter::addLast(const Chunk& chunk, std::int64_t first, const Piece& after) {
+    const auto seams = rightSeams(chunk, after);
+    for (const std::int64_t end : seams) {
+        try {
+            addFrames(chunk, first, end, joiner_->needOf(sourceFrameOf(after, end)));
+        } catch (const DoesNotFit&) {
+            if (end == seams.back()) throw;
+            continue;
+        }
+        open_ = &after;
+        openFirst_ = end;
+        return end;
+    }
+    return first;
+}
+
 std::int64_t PieceWriter::leftSeam(const Chunk& chunk, const Piece& before) const {
+    SeamChoice choice(tolerance(chunk));
     const std::int64_t lowest = std::max(chunk.plan.first, openFirst_ + keptAlways);
-    for (std::int64_t seam = before.end(); seam >= lowest; --seam) {
-        if (joiner_->fitsAfterSource(sourceFrameOf(before, seam - 1), chunk.frame(seam))) {
-            return seam;
-        }
+    for (std::int64_t seam = before.end(); seam >= lowest && !choice.settled(); --seam) {
+        const std::int64_t last = sourceFrameOf(before, seam - 1);
+        if (!joiner_->fitsAfterSource(last, chunk.frame(seam))) continue;
+        choice.offer(seam, chunk.frame(seam).info.mainDataBegin - joiner_->roomAfter(last));
     }
-    throw CannotSplice("No place was found where new sound can begin.");
+    return choice.bestFirst("No place was found where new sound can begin.").front();
 }
 
-std::int64_t PieceWriter::rightSeam(const Chunk& chunk, const Piece& after) const {
-    const std::int64_t highest = std::min(chunk.plan.end, after.end() - keptAlways);
-    for (std::int64_t seam = after.first; seam <= highest; ++seam) {
-        if (seam <= chunk.plan.first) continue;
-        if (joiner_->fitsBeforeSource(chunk.frame(seam - 1), sourceFrameOf(after, seam))) {
-            return seam;
-        }
+std::vector<std::int64_t> PieceWriter::rightSeams(const Chunk& chunk, const Piece& after) const {
+    SeamChoice choice(tolerance(chunk));
+    const std::int64_t highest = std::min(chunk.plan.end - 1, after.end() - keptAlways);
+    const std::int64_t lowest = std::max(after.first, chunk.plan.first + 1);
+    for (std::int64_t seam = lowest; seam <= highest; ++seam) {
+        const std::int64_t next = sourceFrameOf(after, seam);
+        if (!joiner_->fitsBeforeSource(chunk.frame(seam - 1), next)) continue;
+        choice.offer(seam, joiner_->needOf(next) - chunk.frame(seam).info.mainDataBegin);
     }
-    throw CannotSplice("No place was found where new sound can end.");
+    return choice.bestFirst("No place was found where new sound can end.");
 }
 
-// The first frame from which the right chunk can go on: windows that fit, and, with slots of a
-// fixed size, a reservoir at least as full as its encoder had. Where the reservoir never is, the
-// place where it lacks least: the fitting makes up for it.
 std::int64_t PieceWriter::innerSeam(const Chunk& left, const Chunk& right) const {
-    const bool fixedSlots =
-        settings_.layer == 3 && settings_.rate == EncoderSettings::Rate::Constant;
-    std::optional<std::int64_t> best;
-    int leastLack = 0;
-    for (std::int64_t seam = right.plan.first; seam < left.plan.end; ++seam) {
+    // Slots of any size lack nothing.
+    const bool fixed = settings_.rate == EncoderSettings::Rate::Constant;
+    SeamChoice choice(fixed ? 0 : longestReservoir(right.frames.front().header));
+    for (std::int64_t seam = right.plan.first; seam < left.plan.end && !choice.settled(); ++seam) {
         if (!joiner_->fits(left.frame(seam - 1), right.frame(seam))) continue;
-        const int lack =
-            fixedSlots ? right.frame(seam).info.mainDataBegin - left.frame(seam).info.mainDataBegin
-                       : 0;
-        if (lack <= 0) return seam;
-        if (!best || lack < leastLack) {
-            best = seam;
-            leastLack = lack;
-        }
+        choice.offer(seam,
+                     right.frame(seam).info.mainDataBegin - left.frame(seam).info.mainDataBegin);
     }
-    if (!best) throw CannotSplice("Two parts of the new sound cannot be joined.");
-    return *best;
+    return choice.bestFirst("Two parts of the new sound cannot be joined.").front();
+}
+
+// How much reservoir may lack at a seam with kept sound before moving it is better: what a few
+// slightly cheaper frames make up for.
+int PieceWriter::tolerance(const Chunk& chunk) const {
+    return chunk.frames.front().header.size() / 16;
 }
 
 void PieceWriter::addFrames(const Chunk& chunk, std::int64_t first, std::int64_t end,

@@ -35,14 +35,15 @@ class PieceWriter {
     std::vector<ChunkPlan> planAll() const;
     void addRegion(const Piece* before, const Piece* after);
     std::int64_t leftSeam(const Chunk& chunk, const Piece& before) const;
-    std::int64_t rightSeam(const Chunk& chunk, const Piece& after) const;
+    std::vector<std::int64_t> rightSeams(const Chunk& chunk, const Piece& after) const;
+    std::int64_t addLast(const Chunk& chunk, std::int64_t first, const Piece& after);
     std::int64_t innerSeam(const Chunk& left, const Chunk& right) const;
+    int tolerance(const Chunk& chunk) const;
     void addFrames(const Chunk& chunk, std::int64_t first, std::int64_t end, int needBehind);
     void addKept(std::int64_t end);
     void report();
 
     EncoderSettings settings_;
-    Geometry geometry_;
     const Layout& layout_;
     std::int64_t done_ = 0;
     std::int64_t kept_ = 0;

@@ -8,9 +8,10 @@
 namespace audio::mpeg {
 namespace {
 
-// Frames at either end whose bit-rate gives way first, and how far: eight bit-rates down.
+// Frames at either end that give way first, for how many steps these alone, and how many at all.
 constexpr std::size_t edge = 24;
-constexpr int mostSteps = 8;
+constexpr int edgeSteps = 8;
+constexpr int mostSteps = 12;
 
 int mainSlot(const FrameHeader& header) {
     return header.size() - header.overhead();
@@ -40,7 +41,7 @@ class Fitter {
   private:
     void addCheaper(int steps) {
         const std::size_t count = choices_.size();
-        if (count <= 2 * edge || steps > 3) {
+        if (count <= 2 * edge || steps > edgeSteps) {
             addCheaper(0, count, steps);
         } else {
             addCheaper(0, edge, steps);

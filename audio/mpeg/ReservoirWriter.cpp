@@ -15,7 +15,7 @@ void putHeader(std::span<std::uint8_t> frame, std::uint32_t word) {
 }
 
 platform::Error noRoom() {
-    return CannotSplice("The new frames do not fit between the old ones.");
+    return CannotSplice("The bit reservoir has no room for a frame.");
 }
 
 }  // namespace
