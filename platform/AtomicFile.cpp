@@ -128,6 +128,12 @@ std::int64_t AtomicFile::position() const {
     return impl_->position;
 }
 
+void AtomicFile::truncate(std::int64_t size) {
+    impl_->step("shortening it",
+                [&](std::error_code& error) { return impl_->file.resize(size, error); });
+    impl_->position = size;
+}
+
 void AtomicFile::commit(const std::function<void(const fs::path&)>& verify) {
     Impl& impl = *impl_;
     if (impl.committed) impl.fail("it was saved already");

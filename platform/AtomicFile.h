@@ -37,6 +37,8 @@ class AtomicFile {
     /// The write position: a later write() continues there.
     void seek(std::int64_t position);
     std::int64_t position() const;
+    /// Ends the temporary at this place, and continues there.
+    void truncate(std::int64_t size);
 
     /// Flushes, lets `verify` look at the finished temporary (it throws to refuse it), gives it the
     /// target's owner, mode and extended attributes, syncs it, renames it over the target and syncs

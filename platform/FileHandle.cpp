@@ -140,6 +140,10 @@ bool FileHandle::writeAt(std::int64_t position, std::span<const std::byte> bytes
     return true;
 }
 
+bool FileHandle::resize(std::int64_t size, std::error_code& error) {
+    return ::ftruncate(static_cast<int>(handle_), size) == 0 || failed(error);
+}
+
 bool FileHandle::copyFrom(const FileHandle& source, std::int64_t offset, std::int64_t size,
                           std::int64_t position, std::error_code& error) {
     const int from = static_cast<int>(source.handle_);
@@ -265,6 +269,13 @@ bool FileHandle::writeAt(std::int64_t position, std::span<const std::byte> bytes
         position += put;
     }
     return true;
+}
+
+bool FileHandle::resize(std::int64_t size, std::error_code& error) {
+    FILE_END_OF_FILE_INFO end{};
+    end.EndOfFile.QuadPart = size;
+    return SetFileInformationByHandle(native(handle_), FileEndOfFileInfo, &end, sizeof end) != 0 ||
+           failed(error);
 }
 
 bool FileHandle::copyFrom(const FileHandle& source, std::int64_t offset, std::int64_t size,

@@ -26,6 +26,7 @@ class FileHandle {
     /// Reads exactly these bytes; a file that ends before is an error.
     bool readAt(std::int64_t position, std::span<std::byte> bytes, std::error_code& error) const;
     bool writeAt(std::int64_t position, std::span<const std::byte> bytes, std::error_code& error);
+    bool resize(std::int64_t size, std::error_code& error);
     /// Copies exactly `size` bytes, sharing the blocks on the disk where the system can.
     bool copyFrom(const FileHandle& source, std::int64_t offset, std::int64_t size,
                   std::int64_t position, std::error_code& error);

@@ -1,13 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include <optional>
-
 #include "audio/codec/Encoder.h"
 #include "audio/edit/ScratchFile.h"
 #include "audio/edit/SoundFeed.h"
 #include "audio/edit/SoundWriters.h"
 #include "audio/tags/AsfHeader.h"
 #include "audio/tags/CommonTags.h"
-#include "audio/tags/MpegTags.h"
 #include "audio/tags/VorbisComment.h"
 #include "platform/Error.h"
 #include "platform/Paths.h"
@@ -16,10 +13,6 @@ namespace audio::edit {
 namespace {
 
 using codec::Container;
-
-tags::LevelFields levelFields(const SaveJob& job) {
-    return job.levelChanged() ? tags::LevelFields::Drop : tags::LevelFields::Keep;
-}
 
 /// Whether source and output keep their metadata in the same place, so that it is carried over as
 /// it lies there.
@@ -36,7 +29,7 @@ codec::EncoderOptions optionsFor(const SaveJob& job) {
     }
     if (sameContainer(job, Container::Ogg) && job.output.codec == codec::Codec::Vorbis &&
         job.keepTags)
-        options.vorbisComment = tags::readVorbisComment(job.source->path(), levelFields(job));
+        options.vorbisComment = tags::readVorbisComment(job.source->path(), job.levelFields());
     return options;
 }
 
@@ -51,36 +44,23 @@ SaveReport encodeTo(const std::filesystem::path& path, const SaveJob& job, Work&
     return report;
 }
 
-SaveReport encodeMpeg(const SaveJob& job, platform::AtomicFile& file, Work& work) {
-    const tags::MpegTags around(job.source->path(), levelFields(job));
-    if (around.empty()) return encodeTo(file.temporary(), job, work);
-    const ScratchFile scratch(job.scratchFolder);
-    const SaveReport report = encodeTo(scratch.path(), job, work);
-    around.writeLeading(file);
-    file.copyFrom(scratch.path(), 0,
-                  static_cast<std::int64_t>(std::filesystem::file_size(scratch.path())));
-    around.writeTrailing(file);
-    return report;
-}
-
 SaveReport encodeAsf(const SaveJob& job, platform::AtomicFile& file, Work& work) {
     const ScratchFile scratch(job.scratchFolder);
     const SaveReport report = encodeTo(scratch.path(), job, work);
-    tags::writeWithAsfMetadata(scratch.path(), job.source->path(), levelFields(job), file);
+    tags::writeWithAsfMetadata(scratch.path(), job.source->path(), job.levelFields(), file);
     return report;
 }
 
 }  // namespace
 
 SaveReport writeEncoded(const SaveJob& job, platform::AtomicFile& file, Work& work) {
-    if (job.keepTags && sameContainer(job, Container::Mpeg)) return encodeMpeg(job, file, work);
     if (job.keepTags && sameContainer(job, Container::Asf)) return encodeAsf(job, file, work);
     const SaveReport report = encodeTo(file.temporary(), job, work);
     const bool carried =
         sameContainer(job, Container::Wav) ||
         (sameContainer(job, Container::Ogg) && job.output.codec == codec::Codec::Vorbis);
     if (!job.keepTags || carried) return report;
-    if (!tags::copyCommonTags(job.source->path(), file.temporary(), levelFields(job)) &&
+    if (!tags::copyCommonTags(job.source->path(), file.temporary(), job.levelFields()) &&
         job.sameFormat())
         throw platform::Error("\"" + platform::toUtf8(job.source->path()) +
                               "\" cannot be saved: the tags of its format (" +

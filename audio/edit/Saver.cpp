@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "audio/edit/Saver.h"
 
+#include <algorithm>
+
 #include "audio/codec/Decoder.h"
 #include "audio/codec/Encoder.h"
 #include "audio/edit/Resampled.h"
@@ -65,7 +67,24 @@ SaveReport writeSound(const SaveJob& job, platform::AtomicFile& file, Work& work
     requireEncoder(job);
     job.source->requireUnchanged();
     work.begin(job.list.frames());
+    const bool unchanged = job.sameFormat() && job.keepTags && job.list.isAllOf(*job.source);
+    if (unchanged) return writeCopy(job, file, work);
+    if (job.output.codec == codec::Codec::Mp3 || job.output.codec == codec::Codec::Mp2)
+        return writeMpeg(job, file, work);
     return writeEncoded(job, file, work);
+}
+
+SaveReport writeCopy(const SaveJob& job, platform::AtomicFile& file, Work& work) {
+    const std::filesystem::path& source = job.source->path();
+    const auto size = static_cast<std::int64_t>(std::filesystem::file_size(source));
+    constexpr std::int64_t stretch = std::int64_t{16} << 20;
+    work.begin(size);
+    for (std::int64_t done = 0; done < size; done += stretch) {
+        const std::int64_t count = std::min(stretch, size - done);
+        file.copyFrom(source, done, count);
+        work.advance(count);
+    }
+    return {SaveMethod::Copied, job.source->frames(), 0, {}};
 }
 
 void verifySound(const std::filesystem::path& written, const SaveJob& job,

@@ -10,6 +10,7 @@
 #include "audio/edit/EditList.h"
 #include "audio/edit/SourceMaterial.h"
 #include "audio/edit/Work.h"
+#include "audio/tags/LevelFields.h"
 #include "platform/AtomicFile.h"
 
 namespace audio::edit {
@@ -29,6 +30,9 @@ struct SaveJob {
     /// Whether no stretch of the source has kept its level, so that what the tags state about it
     /// would be wrong.
     bool levelChanged() const;
+    tags::LevelFields levelFields() const {
+        return levelChanged() ? tags::LevelFields::Drop : tags::LevelFields::Keep;
+    }
     /// The number of frames at the output's rate.
     std::int64_t outputFrames() const;
 };
