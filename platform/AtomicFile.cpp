@@ -7,6 +7,7 @@
 #include "platform/Error.h"
 #include "platform/FileHandle.h"
 #include "platform/Paths.h"
+#include "platform/SystemError.h"
 
 namespace platform {
 namespace {
@@ -15,7 +16,9 @@ namespace fs = std::filesystem;
 
 // The file behind any links; for a link that points nowhere yet, the place it points to.
 fs::path resolved(const fs::path& target) {
-    fs::path current = fs::absolute(target);
+    std::error_code failure;
+    fs::path current = fs::absolute(target, failure);
+    if (failure) throw systemError("\"" + toUtf8(target) + "\" cannot be saved", failure);
     for (int depth = 0; depth < 40; ++depth) {
         std::error_code error;
         if (!fs::is_symlink(current, error)) {

@@ -30,8 +30,9 @@ class SourceReader : public FrameReader {
 
 }  // namespace
 
-SourceMaterial::SourceMaterial(const std::filesystem::path& file)
-    : path_(std::filesystem::absolute(file)), stamp_(FileStamp::of(file)) {
+SourceMaterial::SourceMaterial(const std::filesystem::path& file) : stamp_(FileStamp::of(file)) {
+    std::error_code ignored;
+    path_ = std::filesystem::absolute(file, ignored);
     auto decoder = std::make_unique<codec::Decoder>(path_);
     format_ = decoder->format();
     frames_ = decoder->frames();

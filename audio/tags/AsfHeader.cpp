@@ -99,8 +99,8 @@ std::vector<Object> objectsIn(std::span<const std::byte> bytes, const std::files
 /// The header object of a file, taken apart.
 struct Header {
     Bytes bytes;
-    std::vector<Object> objects;    ///< of the top level but the extension
-    std::vector<Object> extension;  ///< those inside the extension
+    std::vector<Object> objects;    ///< of the top level
+    std::vector<Object> extension;  ///< those inside the header extension
     std::int64_t fileSize = 0;
 
     explicit Header(const std::filesystem::path& file) {
@@ -115,11 +115,9 @@ struct Header {
         const auto all = std::as_bytes(reader.at(0, static_cast<std::size_t>(size)));
         if (all.size() < size) damaged(file);
         bytes.assign(all.begin(), all.end());
-        for (const Object& object : objectsIn(std::span(bytes).subspan(fileHeader), file)) {
-            if (!object.is(extensionId)) {
-                objects.push_back(object);
-                continue;
-            }
+        objects = objectsIn(std::span(bytes).subspan(fileHeader), file);
+        for (const Object& object : objects) {
+            if (!object.is(extensionId)) continue;
             if (object.bytes.size() < extensionHeader) damaged(file);
             extension = objectsIn(object.bytes.subspan(extensionHeader), file);
         }
@@ -130,39 +128,50 @@ void append(Bytes& to, std::span<const std::byte> bytes) {
     to.insert(to.end(), bytes.begin(), bytes.end());
 }
 
-/// The stream's own objects of one list and the metadata of the other.
-Bytes merged(const std::vector<Object>& stream, const std::vector<Object>& metadata,
-             LevelFields levels, std::uint32_t& count) {
-    Bytes result;
-    for (const Object& object : stream) {
-        if (object.isCarried()) continue;
-        append(result, object.bytes);
-        ++count;
-    }
+Bytes carriedObject(const Object& object, LevelFields levels) {
+    if (levels == LevelFields::Drop && object.is(extendedContentId))
+        return withoutLevelAttributes(object.bytes, AsfAttributeKind::Extended);
+    if (levels == LevelFields::Drop && (object.is(metadataId) || object.is(libraryId)))
+        return withoutLevelAttributes(object.bytes, AsfAttributeKind::Metadata);
+    return {object.bytes.begin(), object.bytes.end()};
+}
+
+/// The metadata of one list and the stream's own objects of the other, in the order of the first:
+/// where an object that describes the stream stood, the new stream's own stands.
+std::vector<Bytes> merged(const std::vector<Object>& metadata, std::vector<Object> stream,
+                          LevelFields levels) {
+    std::vector<Bytes> result;
+    const auto take = [&result](const Object& object) {
+        result.emplace_back(object.bytes.begin(), object.bytes.end());
+    };
+    std::erase_if(stream, [](const Object& object) { return object.isCarried(); });
     for (const Object& object : metadata) {
-        if (!object.isCarried()) continue;
-        if (levels == LevelFields::Drop && object.is(extendedContentId))
-            append(result, withoutLevelAttributes(object.bytes, AsfAttributeKind::Extended));
-        else if (levels == LevelFields::Drop && (object.is(metadataId) || object.is(libraryId)))
-            append(result, withoutLevelAttributes(object.bytes, AsfAttributeKind::Metadata));
-        else
-            append(result, object.bytes);
-        ++count;
+        if (object.isCarried()) {
+            result.push_back(carriedObject(object, levels));
+            continue;
+        }
+        const auto own = std::find_if(stream.begin(), stream.end(), [&object](const Object& other) {
+            return std::equal(other.bytes.begin(), other.bytes.begin() + 16, object.bytes.begin());
+        });
+        if (own == stream.end()) continue;
+        take(*own);
+        stream.erase(own);
     }
+    for (const Object& object : stream) take(object);
     return result;
 }
 
-Bytes extensionObject(const Bytes& content) {
+Bytes extensionObject(const std::vector<Bytes>& content) {
     // The two fixed values behind the size: a reserved identifier and the number 6.
     static constexpr Guid reserved{0x11, 0xD2, 0xD3, 0xAB, 0xBA, 0xA9, 0xCF, 0x11,
                                    0x8E, 0xE6, 0x00, 0xC0, 0x0C, 0x20, 0x53, 0x65};
     Bytes object(extensionHeader);
     std::memcpy(object.data(), extensionId.data(), 16);
-    setNumber(object, 16, extensionHeader + content.size(), 8);
     std::memcpy(object.data() + 24, reserved.data(), 16);
     setNumber(object, 40, 6, 2);
-    setNumber(object, 42, content.size(), 4);
-    append(object, content);
+    for (const Bytes& inner : content) append(object, inner);
+    setNumber(object, 16, object.size(), 8);
+    setNumber(object, 42, object.size() - extensionHeader, 4);
     return object;
 }
 
@@ -181,17 +190,13 @@ void writeWithAsfMetadata(const std::filesystem::path& encoded, const std::files
     const Header metadata(source);
     requireUnprotected(metadata, source);
 
-    std::uint32_t ignored = 0;
-    std::uint32_t count = 1;
-    const Bytes extension =
-        extensionObject(merged(sound.extension, metadata.extension, levels, ignored));
-    const Bytes objects = merged(sound.objects, metadata.objects, levels, count);
-
+    const Bytes extension = extensionObject(merged(metadata.extension, sound.extension, levels));
+    const std::vector<Bytes> objects = merged(metadata.objects, sound.objects, levels);
     Bytes header(sound.bytes.begin(), sound.bytes.begin() + fileHeader);
-    append(header, objects);
-    append(header, extension);
+    for (const Bytes& object : objects)
+        append(header, Object{object}.is(extensionId) ? extension : object);
     setNumber(header, 16, header.size(), 8);
-    setNumber(header, 24, count, 4);
+    setNumber(header, 24, objects.size(), 4);
     const std::int64_t rest = sound.fileSize - static_cast<std::int64_t>(sound.bytes.size());
     for (const Object& object : objectsIn(std::span(header).subspan(fileHeader), encoded))
         if (object.is(filePropertiesId) && object.bytes.size() >= fileSizeField + 8)

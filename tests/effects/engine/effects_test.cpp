@@ -64,7 +64,7 @@ class Effects : public testing::TestWithParam<FileKind> {
 };
 
 INSTANTIATE_TEST_SUITE_P(AllKinds, Effects, testing::ValuesIn(allKinds()),
-                         [](const auto& info) { return testNameOf(info.param); });
+                         [](const auto& instance) { return testNameOf(instance.param); });
 
 }  // namespace
 
@@ -99,6 +99,7 @@ TEST_P(Effects, FadeIn) {
                     editor.SetSelectionStart(0);
                     editor.SetSelectionEnd(editor.TimeToPosition(700));
                     editor.Fade(10, 100);
+                    editor.SetSelectionActive(false);
                 }),
                 ideal::faded(before, 0, end, 0.1, 1.0));
 }
