@@ -86,10 +86,10 @@ QString withoutLevels(const QString& description) {
     bool skipping = false;
     for (const QString& line : description.split(u'\n')) {
         const QString key = line.section(u'"', 1, 1).toLower();
-        const bool isLevel = key.contains(u"replaygain") || key.contains(u"mp3gain") ||
-                             key.contains(u"itunnorm") || key.contains(u"r128") ||
-                             key.contains(u"rva2") || key.contains(u"relativevolume") ||
-                             line.contains(u"(iTunNORM)") || line.contains(u"REPLAYGAIN");
+        const bool isLevel =
+            key.contains(u"replaygain") || key.contains(u"mp3gain") || key.contains(u"itunnorm") ||
+            key.contains(u"r128") || key.contains(u"rva2") || key.contains(u"relativevolume") ||
+            line.contains(u"(iTunNORM)") || line.contains(u"replaygain", Qt::CaseInsensitive);
         if (isLevel && line.trimmed().endsWith(u'[')) skipping = true;
         if (!isLevel && !skipping) kept << line;
         if (skipping && (line.trimmed() == u"]" || line.trimmed() == u"],")) skipping = false;
@@ -173,6 +173,7 @@ TEST_P(MpegTags, CanBeLeftOut) {
 
 TEST_F(Metadata, MpegFilesWithoutOrdinaryHeadersKeepTheirLength) {
     for (const char* variant : {"vbri", "cut-last-frame"}) {
+        SCOPED_TRACE(variant);
         const Awkward made = make(variant, "tone-untagged.mp3");
         const Bytes before = support::readBytes(made.file);
         AudioEditor editor;
@@ -273,8 +274,9 @@ TEST_F(Metadata, OfOtherFormatsCanBeLeftOut) {
 
 TEST_F(Metadata, AnOggFileWithoutItsEndIsWhole) {
     const Awkward made = make("no-end-of-stream", "tone.ogg");
+    const std::size_t before = support::decodeWithFfmpeg(made.file).frames();
     edit(made.file, fadeIn);
-    EXPECT_EQ(support::decodeWithFfmpeg(made.file).frames(), 88200U);
+    EXPECT_EQ(support::decodeWithFfmpeg(made.file).frames(), before);
 }
 
 TEST_F(Metadata, WhatCannotBeCarriedIsRefusedByName) {
