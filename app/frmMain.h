@@ -5,6 +5,7 @@
 #include <memory>
 #include <vector>
 
+#include <QPointer>
 #include <QStringList>
 #include <QUrl>
 #include <QWidget>
@@ -31,6 +32,9 @@ class PlaylistFiles;
 }  // namespace playlist
 namespace widgets {
 class CommonDialog;
+}
+namespace wizard {
+class frmFadeWizard2;
 }
 
 namespace app {
@@ -155,6 +159,10 @@ class frmMain : public QWidget {
     void mnuAudio_CDWriter_Click();
     void mnuData_CDWriter_Click();
 
+    // frmMain_wizard.cpp
+    void mnuCrossFader_Click();
+    wizard::frmFadeWizard2& loadWizard();
+
     std::unique_ptr<Ui::frmMain> ui_;
     player::PlayerEngine* PlayerEngine1;
     effects::AudioEditor* AudioEditor1;
@@ -170,8 +178,9 @@ class frmMain : public QWidget {
     std::unique_ptr<EffectsHost> effectsHost_;
     std::unique_ptr<effects::BatchRunner> runner_;
     std::unique_ptr<effects::EffectDialogs> dialogs_;
-    std::int16_t TotalMinutes = 0;  // of the list, written by Timer2_Timer
-    bool closing_ = false;          // the window was closed; long work ends after the file in hand
+    QPointer<wizard::frmFadeWizard2> frmFadeWizard2;  // the visit in hand, if there is one
+    std::int16_t TotalMinutes = 0;                    // of the list, written by Timer2_Timer
+    bool closing_ = false;  // the window was closed; long work ends after the file in hand
 };
 
 }  // namespace app

@@ -42,6 +42,7 @@ const std::vector<frmMain::Command>& frmMain::commands() {
         // Burn to CD menu
         CLICK(mnuAudio_CDWriter),
         CLICK(mnuData_CDWriter),
+        CLICK(mnuCrossFader),
     };
     return map;
 }

@@ -1,4 +1,44 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The way into the cross-fade wizard.
+#include "app/HandoffHost.h"
 #include "app/frmMain.h"
 #include "ui_frmMain.h"
+#include "widgets/MsgBox.h"
+#include "wizard/Texts.h"
+#include "wizard/form/frmFadeWizard2.h"
+
+namespace app {
+
+namespace {
+
+bool askReady() {
+    return widgets::msgBox(wizard::texts::ReadyQuestion.toString(), widgets::MsgButtons::YesNo,
+                           widgets::MsgIcon::Information,
+                           wizard::texts::ReadyTitle.toString()) == widgets::MsgResult::Yes;
+}
+
+}  // namespace
+
+void frmMain::mnuCrossFader_Click() {
+    if (!askReady()) return;
+    CommandStop1_Click();
+    wizard::frmFadeWizard2& form = loadWizard();
+    for (int entry = 0; entry < handoff_->rowCount(); ++entry)
+        form.addPlaylistFile(handoff_->entryPath(entry));
+    if (form.fileCount() == 0)
+        widgets::msgBox(wizard::texts::NoFiles.toString());
+    else
+        form.bringUp();
+}
+
+// One that is being closed only finishes the file in hand: the next visit gets one of its own.
+wizard::frmFadeWizard2& frmMain::loadWizard() {
+    if (frmFadeWizard2 && !frmFadeWizard2->isClosing()) return *frmFadeWizard2;
+    auto* form = new wizard::frmFadeWizard2;
+    connect(this, &frmMain::closed, form, &QWidget::close);
+    connect(this, &QObject::destroyed, form, [form] { delete form; });
+    frmFadeWizard2 = form;
+    return *form;
+}
+
+}  // namespace app

@@ -157,6 +157,12 @@ int frmFadeWizard2::fileCount() const {
     return session_.lstFiles.rowCount();
 }
 
+void frmFadeWizard2::bringUp() {
+    show();
+    raise();
+    activateWindow();
+}
+
 void frmFadeWizard2::unloadallforms() {
     for (QWidget* form : QApplication::topLevelWidgets()) form->close();
     QCoreApplication::quit();

@@ -49,6 +49,9 @@ class frmFadeWizard2 : public QMainWindow, private Host {
     void addPlaylistFile(const QString& path);
     int fileCount() const;
 
+    /// Shows the window in front of the others.
+    void bringUp();
+
     /// What has been set so far.
     const Settings& settings() const { return session_.settings; }
 
