@@ -29,7 +29,7 @@ void CrossFadeRounds::cutHeads() {
     if (settings.crossfade_value == 0) settings.crossfade_value = DefaultOverlapMs;
     editor_.CloseSound();
     const int last = session_.List1.rowCount() - 1;
-    for (settings.i_count = 1; settings.i_count <= last; ++settings.i_count)
+    for (settings.i_count = 1; settings.i_count <= last && !host_.abandoned(); ++settings.i_count)
         cutHead(settings.i_count);
 }
 
@@ -56,7 +56,7 @@ void CrossFadeRounds::mixHeads() {
     auto& i_count = session_.settings.i_count;
     editor_.CloseSound();
     const int last = session_.List1.rowCount() - 2;
-    for (i_count = 0; i_count <= last; ++i_count)
+    for (i_count = 0; i_count <= last && !host_.abandoned(); ++i_count)
         if (!mixHead(i_count)) return;
 }
 

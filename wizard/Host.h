@@ -17,7 +17,8 @@ class Host {
     /// The choices as they stand now; asked again for every file.
     virtual Options options() const = 0;
 
-    /// True once the window is going away: the run ends after its file, and says and asks nothing.
+    /// True once nobody waits for the run any more, as when its window was closed: it ends after
+    /// the file in hand, and says and asks nothing.
     virtual bool abandoned() const = 0;
 
     virtual void showStatus(const QString& text) = 0;
@@ -35,7 +36,11 @@ class Host {
     /// A step that failed and was passed over: at most one sentence for each file.
     virtual void stepFailed(const QString& sentence) = 0;
 
-    virtual void say(const QString& text) = 0;
+    /// The run cannot begin; nothing was changed.
+    virtual void refuse(const QString& reason) = 0;
+
+    /// The files are transformed, and there is nothing to cross-fade.
+    virtual void sayCompleted() = 0;
 
     /// Asks whether the mix is to be burned.
     virtual bool askReadyToBurn() = 0;

@@ -44,6 +44,12 @@ QString initialFrequency() {
     return u"44100"_s;
 }
 
+QString frequencyText(int hertz) {
+    for (const auto& frequency : Frequencies)
+        if (frequency.hertz == hertz) return QString::number(frequency.shown);
+    return {};
+}
+
 QStringList bitRateTexts(const QString& format) {
     std::span<const int> rates = Mp3Rates;
     if (format == u"WAV"_s)

@@ -11,6 +11,7 @@ namespace wizard {
 QStringList formatTexts();     ///< "WAV" first
 QStringList frequencyTexts();  ///< "44100" first
 QString initialFrequency();
+QString frequencyText(int hertz);  ///< the entry for a rate; empty where there is none
 QStringList bitRateTexts(const QString& format);  ///< empty for a format that does not exist
 QString initialBitRate(const QString& format);    ///< "16-bit" for WAV, "128-bit" for MP3
 QStringList channelTexts();

@@ -22,8 +22,11 @@ Timeline layOut(std::span<const double> lengths, double overlap) {
     for (const double length : lengths) {
         PlacedTrack track;
         track.seconds = length;
-        track.overlap = mix.tracks.empty() ? 0 : std::min(overlap, length);
-        track.start = std::max(0.0, mix.seconds - track.overlap);
+        track.start = mix.seconds;
+        if (!mix.tracks.empty() && length > overlap) {
+            track.overlap = overlap;
+            track.start = std::max(mix.tracks.back().start, mix.seconds - overlap);
+        }
         mix.seconds += length - track.overlap;
         mix.tracks.push_back(track);
     }

@@ -28,8 +28,8 @@ struct Timeline {
 QString clock(double seconds);
 
 /// Lays tracks of these lengths one after the other, each beginning `overlap` seconds before the
-/// end of the one before (0 = no cross fade). A track that is shorter than that lies under the end
-/// of the one before with all it has.
+/// end of the one before (0 = no cross fade). A track that is no longer than that has no head to
+/// give and begins where the one before ends.
 Timeline layOut(std::span<const double> lengths, double overlap);
 
 /// The two fades of the pass as a shape: how long they are, 0 = none.

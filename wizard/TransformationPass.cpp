@@ -15,26 +15,27 @@ TransformationPass::TransformationPass(effects::AudioEditor& editor, Session& se
     : editor_(editor), session_(session), host_(host) {}
 
 void TransformationPass::run() {
-    if (host_.options().targetPath.isEmpty()) return host_.say(texts::TargetPathMissing.toString());
+    if (host_.options().targetPath.isEmpty())
+        return host_.refuse(texts::TargetPathMissing.toString());
 
     session_.originals = {};
     for (const QString& path : session_.lstFiles.stringList()) session_.originals.add(path);
     if (const QString path = originalInTheWay(); !path.isEmpty())
-        return host_.say(texts::originalInTheWay(path));
+        return host_.refuse(texts::originalInTheWay(path));
 
     transformAll();
     if (host_.abandoned()) return;
     if (host_.options().crossFade)
         CrossFadeRounds(editor_, session_, host_).run();
     else
-        host_.say(texts::Completed.toString());
+        host_.sayCompleted();
 }
 
 QString TransformationPass::originalInTheWay() const {
     const Options options = host_.options();
     for (const QString& path : session_.lstFiles.stringList()) {
         const QString stem = options.hasPrefix ? session_.settings.FileName : outputStem(path);
-        const QString output = options.targetPath + stem + fileEnding(options.format);
+        const QString output = outputPath(options, stem);
         if (session_.originals.contains(output)) return output;
     }
     return {};
@@ -46,7 +47,8 @@ void TransformationPass::transformAll() {
     host_.setFileMaximum(session_.lstFiles.rowCount());
 
     auto& i_count = session_.settings.i_count;
-    for (i_count = 0; i_count < session_.lstFiles.rowCount(); ++i_count) {
+    const auto more = [&] { return i_count < session_.lstFiles.rowCount() && !host_.abandoned(); };
+    for (i_count = 0; more(); ++i_count) {
         const QString path = session_.lstFiles.stringList().at(i_count);
         host_.selectFile(i_count);
         transform(path);
@@ -112,7 +114,7 @@ void TransformationPass::save(Attempts& attempt, const Options& options) {
     readFormat(options, settings);
     if (options.tags == TagChoice::LeaveAsIs) editor_.SetKeepTags(true);
     if (options.tags == TagChoice::Strip) editor_.SetKeepTags(false);
-    outputPath_ = options.targetPath + settings.FileName + ending;
+    outputPath_ = outputPath(options, settings.FileName);
     attempt([&] {
         if (ending == u"wav"_s)
             editor_.SetOutputFormatWav(settings.Freq, settings.Chan, settings.my_wav_bitrate);

@@ -32,7 +32,8 @@ class RecordingHost : public wizard::Host {
     void showResults() override { resultsShown = true; }
     void selectResult(int index) override { selectedResults << index; }
     void stepFailed(const QString& sentence) override { failures << sentence; }
-    void say(const QString& text) override { said << text; }
+    void refuse(const QString& reason) override { refused << reason; }
+    void sayCompleted() override { ++completed; }
     bool askReadyToBurn() override {
         ++burnQuestions;
         return burnAnswer;
@@ -41,9 +42,9 @@ class RecordingHost : public wizard::Host {
 
     wizard::Options chosen;
     bool closed = false, resultsShown = false, burnAnswer = false;
-    int maximum = -1, engineProgress = -1, burnQuestions = 0;
+    int maximum = -1, engineProgress = -1, burnQuestions = 0, completed = 0;
     QList<int> progress, selectedFiles, selectedResults;
-    QStringList statuses, failures, said, burned;
+    QStringList statuses, failures, refused, burned;
 };
 
 }  // namespace support

@@ -7,6 +7,7 @@
 #include "wizard/Genres.h"
 #include "wizard/Naming.h"
 #include "wizard/OutputFormat.h"
+#include "wizard/Timeline.h"
 
 using namespace Qt::Literals::StringLiterals;
 using wizard::Settings;
@@ -166,6 +167,36 @@ TEST(Genres, NamesThe148InNumberOrder) {
     EXPECT_EQ(names.first(), u"Blues"_s);
     EXPECT_EQ(names.at(17), u"Rock"_s);
     EXPECT_FALSE(names.contains(QString()));
+}
+
+TEST(Timeline, EachTrackBeginsBeforeTheEndOfTheOneBefore) {
+    const std::vector<double> lengths = {200, 300, 100};
+    const auto mix = wizard::layOut(lengths, 20);
+    EXPECT_EQ(mix.seconds, 560);
+    EXPECT_EQ(mix.tracks[0].start, 0);
+    EXPECT_EQ(mix.tracks[1].start, 180);
+    EXPECT_EQ(mix.tracks[2].start, 460);
+    EXPECT_EQ(mix.tracks[2].overlap, 20);
+    EXPECT_EQ(wizard::layOut(lengths, 0).seconds, 600);
+    EXPECT_EQ(wizard::layOut({}, 20).seconds, 0);
+}
+
+TEST(Timeline, ATrackWithoutARestBehindItsHeadStaysWhole) {
+    const std::vector<double> lengths = {60, 20, 60};
+    const auto mix = wizard::layOut(lengths, 20);
+    EXPECT_EQ(mix.tracks[1].overlap, 0);
+    EXPECT_EQ(mix.tracks[1].start, 60);
+    EXPECT_EQ(mix.tracks[2].start, 60);
+    EXPECT_EQ(mix.seconds, 120);
+}
+
+TEST(Timeline, FadesRunFromAndToATenth) {
+    const wizard::FadeShape fades{10, 20};
+    EXPECT_DOUBLE_EQ(fades.gain(0, 100), 0.1);
+    EXPECT_DOUBLE_EQ(fades.gain(50, 100), 1);
+    EXPECT_DOUBLE_EQ(fades.gain(90, 100), 0.55);
+    EXPECT_DOUBLE_EQ(fades.gain(100, 100), 0.1);
+    EXPECT_EQ(wizard::clock(4803.6), u"80:04"_s);
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "wizard/form/MixPreview.h"
 
+#include <chrono>
+
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QVBoxLayout>
@@ -37,7 +39,9 @@ MixPreview::MixPreview(QWidget* parent)
     layout->setSpacing(4);
     layout->addLayout(texts);
     layout->addWidget(view_, 1);
-    connect(&scanner_, &TrackScanner::changed, this, &MixPreview::refresh);
+    connect(&scanner_, &TrackScanner::changed, this, &MixPreview::refreshSoon);
+    connect(&soon_, &QTimer::timeout, this, &MixPreview::refresh);
+    soon_.setSingleShot(true);
     refresh();
 }
 
@@ -45,7 +49,7 @@ void MixPreview::show(const QStringList& paths, const Shape& shape) {
     paths_ = paths;
     shape_ = shape;
     scanner_.want(paths);
-    refresh();
+    refreshSoon();
 }
 
 void MixPreview::setCurrent(int track) {
@@ -54,16 +58,21 @@ void MixPreview::setCurrent(int track) {
 
 void MixPreview::addFailure(const QString& sentence) {
     failures_ << sentence;
-    refresh();
+    refreshSoon();
 }
 
 void MixPreview::clearFailures() {
     failures_.clear();
-    refresh();
+    refreshSoon();
 }
 
 void MixPreview::stop() {
     scanner_.stop();
+}
+
+void MixPreview::refreshSoon() {
+    constexpr std::chrono::milliseconds pause{30};
+    if (!soon_.isActive()) soon_.start(pause);
 }
 
 void MixPreview::refresh() {

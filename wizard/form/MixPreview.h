@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QStringList>
+#include <QTimer>
 #include <QWidget>
 
 #include "wizard/Timeline.h"
@@ -41,6 +42,7 @@ class MixPreview : public QWidget {
     using QWidget::show;
 
   private:
+    void refreshSoon();
     void refresh();
     QString totalText(double seconds) const;
     QString noteText() const;
@@ -49,6 +51,7 @@ class MixPreview : public QWidget {
     Shape shape_;
     QStringList failures_;
     TrackScanner scanner_;
+    QTimer soon_;  // so that many changes in a row are drawn once
     TimelineView* view_;
     QLabel* total_;
     QLabel* note_;

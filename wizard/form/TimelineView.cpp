@@ -102,16 +102,15 @@ void TimelineView::paintWave(QPainter& painter, std::size_t index, const QRectF&
     const double perPixel = static_cast<double>(scan.peaks.size()) / box.width();
     painter.setPen(palette().color(QPalette::Highlight));
     for (int column = 0; column < int(box.width()); ++column) {
-        const auto first = static_cast<std::size_t>(column * perPixel);
-        const auto last = std::min(scan.peaks.size(), first + std::size_t(perPixel) + 1);
-        const double peak = *std::max_element(scan.peaks.begin() + std::ptrdiff_t(first),
-                                              scan.peaks.begin() + std::ptrdiff_t(last));
+        const auto first = scan.peaks.begin() + qsizetype(column * perPixel);
+        const auto left = scan.peaks.end() - first;
+        const double peak =
+            *std::max_element(first, first + std::min(left, qsizetype(perPixel) + 1));
         const double at = scan.seconds * column / box.width();
         const double half =
             std::min(1.0, peak * scale * fades_.gain(at, scan.seconds)) * box.height() / 2;
-        const double left = box.left() + column;
-        painter.drawLine(QPointF(left, box.center().y() - half),
-                         QPointF(left, box.center().y() + half));
+        const double x = box.left() + column;
+        painter.drawLine(QPointF(x, box.center().y() - half), QPointF(x, box.center().y() + half));
     }
 }
 

@@ -2,10 +2,9 @@
 #pragma once
 
 #include <atomic>
-#include <memory>
-#include <vector>
 
 #include <QHash>
+#include <QList>
 #include <QObject>
 #include <QString>
 #include <QStringList>
@@ -15,9 +14,9 @@ namespace wizard {
 
 /// What a preview knows of one file.
 struct TrackScan {
-    double seconds = 0;        ///< near at first, exact once the peaks are there; 0 = unknown
-    std::vector<float> peaks;  ///< highest absolute sample of each tenth of a second
-    float peak = 0;            ///< the highest of them
+    double seconds = 0;  ///< near at first, exact once the peaks are there; 0 = unknown
+    QList<float> peaks;  ///< highest absolute sample of each tenth of a second
+    float peak = 0;      ///< the highest of them
 };
 
 /// Reads lengths and peaks of files on a worker: first all lengths, then the peaks one file after

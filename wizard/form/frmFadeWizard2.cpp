@@ -93,10 +93,10 @@ void frmFadeWizard2::connectControls() {
     connect(Timer1, &QTimer::timeout, this, &frmFadeWizard2::Timer1_Timer);
     connect(AudioEditor1, &effects::AudioEditor::Progress, this,
             &frmFadeWizard2::AudioEditor1_Progress);
-    for (const auto change : {&QAbstractItemModel::rowsInserted, &QAbstractItemModel::rowsRemoved})
-        connect(&session_.lstFiles, change, this, &frmFadeWizard2::updatePreview);
-    connect(&session_.lstFiles, &QAbstractItemModel::modelReset, this,
-            &frmFadeWizard2::updatePreview);
+    const auto& files = session_.lstFiles;
+    connect(&files, &QAbstractItemModel::dataChanged, this, &frmFadeWizard2::updatePreview);
+    connect(&files, &QAbstractItemModel::rowsRemoved, this, &frmFadeWizard2::updatePreview);
+    connect(&files, &QAbstractItemModel::modelReset, this, &frmFadeWizard2::updatePreview);
 }
 
 void frmFadeWizard2::Form_Load() {

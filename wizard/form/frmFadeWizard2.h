@@ -111,7 +111,8 @@ class frmFadeWizard2 : public QMainWindow, private Host {
     void showResults() override;
     void selectResult(int index) override;
     void stepFailed(const QString& sentence) override;
-    void say(const QString& text) override;
+    void refuse(const QString& reason) override;
+    void sayCompleted() override;
     bool askReadyToBurn() override;
     void burn(const QStringList& results) override;
 

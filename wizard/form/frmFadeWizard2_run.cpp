@@ -129,8 +129,12 @@ void frmFadeWizard2::stepFailed(const QString& sentence) {
     preview_->addFailure(sentence);
 }
 
-void frmFadeWizard2::say(const QString& text) {
-    widgets::msgBox(text);
+void frmFadeWizard2::refuse(const QString& reason) {
+    widgets::msgBox(reason);
+}
+
+void frmFadeWizard2::sayCompleted() {
+    widgets::msgBox(texts::Completed.toString());
 }
 
 bool frmFadeWizard2::askReadyToBurn() {

@@ -1,0 +1,353 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The pass and the rounds on real files, judged by other programs than ours.
+#include <algorithm>
+#include <cmath>
+#include <fstream>
+#include <map>
+#include <random>
+
+#include <QDir>
+#include <QFile>
+#include <gtest/gtest.h>
+
+#include "platform/Paths.h"
+#include "tests/support/Fixtures.h"
+#include "tests/support/Sound.h"
+#include "tests/support/TempFolder.h"
+#include "tests/wizard/RecordingHost.h"
+#include "wizard/Naming.h"
+#include "wizard/Session.h"
+#include "wizard/TransformationPass.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+constexpr std::size_t Channels = 2;
+constexpr int Rate = 44100;
+constexpr double OneStep = 1.0 / 32768;  // of a 16-bit sample
+
+using Samples = std::vector<float>;
+
+class MixTest : public testing::Test {
+  protected:
+    void SetUp() override {
+        for (const char* name : {"in", "plain", "mix"})
+            ASSERT_TRUE(QDir(folder.file({})).mkpath(QString::fromLatin1(name)));
+    }
+
+    /// A track of noise, like no other and alike nowhere within itself.
+    QString track(const QString& name, double seconds, const QStringList& encoding = {}) {
+        const QString path = folder.file(u"in/"_s + name);
+        const QString raw = folder.file(u"noise.raw"_s);
+        std::mt19937 random(++serial_);
+        std::uniform_int_distribution<std::int16_t> loudness(-9000, 9000);
+        std::vector<std::int16_t> noise(static_cast<std::size_t>(seconds * Rate) * Channels);
+        std::ranges::generate(noise, [&] { return loudness(random); });
+        std::ofstream(platform::toPath(raw), std::ios::binary)
+            .write(reinterpret_cast<const char*>(noise.data()),
+                   static_cast<std::streamsize>(noise.size() * sizeof noise[0]));
+        QStringList arguments = {u"-nostdin"_s, u"-loglevel"_s, u"error"_s, u"-f"_s,
+                                 u"s16le"_s,    u"-ar"_s,       u"44100"_s, u"-ac"_s,
+                                 u"2"_s,        u"-i"_s,        raw};
+        EXPECT_EQ(support::run(u"ffmpeg"_s, arguments + encoding + QStringList{path}).exitCode, 0);
+        session.addFile(path);
+        return path;
+    }
+
+    /// Runs the pass into a folder; returns the results.
+    QStringList run(const QString& target, bool crossFade) {
+        host.chosen.targetPath = folder.file(target + u'/');
+        host.chosen.crossFade = crossFade;
+        wizard::TransformationPass(editor, session, host).run();
+        return session.List1.stringList();
+    }
+
+    std::vector<Samples> decoded(const QStringList& files) {
+        std::vector<Samples> sounds;
+        for (const QString& file : files)
+            sounds.push_back(support::decodeWithFfmpeg(platform::toPath(file)).samples);
+        return sounds;
+    }
+
+    /// The tracks one after the other, each head added to the tail before it: what the mix must be.
+    /// `shared` gets, for every sample, whether two tracks are heard in it.
+    static Samples overlapped(const std::vector<Samples>& tracks, std::size_t overlap,
+                              std::vector<bool>& shared) {
+        Samples mix;
+        for (const Samples& track : tracks) {
+            const std::size_t common = mix.empty() ? 0 : std::min(overlap, track.size());
+            const std::size_t start = mix.size() - common;
+            mix.resize(start + track.size());
+            shared.resize(mix.size());
+            for (std::size_t i = 0; i < track.size(); ++i) {
+                mix[start + i] = std::clamp(mix[start + i] + track[i], -1.0F, 1 - float(OneStep));
+                if (i < common) shared[start + i] = true;
+            }
+        }
+        return mix;
+    }
+
+    static Samples joined(const std::vector<Samples>& parts) {
+        Samples all;
+        for (const Samples& part : parts) all.insert(all.end(), part.begin(), part.end());
+        return all;
+    }
+
+    /// Compares the mix sample for sample: bit for bit where one track is heard, and within the
+    /// dither of a written 16-bit sample where there are two.
+    void expectMix(const std::vector<Samples>& tracks, const std::vector<Samples>& results,
+                   std::size_t overlapFrames) {
+        std::vector<bool> shared;
+        const Samples expected = overlapped(tracks, overlapFrames * Channels, shared);
+        const Samples mix = joined(results);
+        ASSERT_EQ(mix.size(), expected.size());
+        double worstAlone = 0, worstShared = 0;
+        for (std::size_t i = 0; i < mix.size(); ++i) {
+            double& worst = shared[i] ? worstShared : worstAlone;
+            worst = std::max(worst, std::abs(double(mix[i]) - double(expected[i])));
+        }
+        EXPECT_EQ(worstAlone, 0);
+        EXPECT_LE(worstShared, 1.01 * OneStep);
+    }
+
+    support::TempFolder folder;
+    effects::AudioEditor editor;
+    wizard::Session session;
+    support::RecordingHost host;
+    unsigned serial_ = 0;
+};
+
+TEST_F(MixTest, TheMixIsTheTracksOverlappedSampleForSample) {
+    track(u"A.wav"_s, 6.0);
+    track(u"B.wav"_s, 7.31);
+    track(u"C.wav"_s, 5.117);
+    track(u"D.wav"_s, 9.0);
+    const auto tracks = decoded(run(u"plain"_s, false));
+    session.settings.crossfade_value = 2000;
+    const auto results = decoded(run(u"mix"_s, true));
+    expectMix(tracks, results, 2 * Rate);
+    EXPECT_TRUE(host.failures.isEmpty()) << host.failures.join(u'\n').toStdString();
+
+    EXPECT_EQ(results[0].size(), tracks[0].size());
+    for (std::size_t i = 1; i < tracks.size(); ++i)
+        EXPECT_EQ(results[i].size(), tracks[i].size() - 2 * Rate * Channels);
+    const auto head = decoded({folder.file(u"mix/2_C.wav"_s)}).front();
+    EXPECT_EQ(head, Samples(tracks[2].begin(), tracks[2].begin() + 2 * Rate * Channels));
+    EXPECT_FALSE(QFile::exists(folder.file(u"mix/0_A.wav"_s)));
+}
+
+TEST_F(MixTest, SoItIsWithEveryStepTicked) {
+    host.chosen.trimSilence = host.chosen.normalize = true;
+    host.chosen.fadeOut = host.chosen.fadeIn = true;
+    session.settings.fadeOutMs = session.settings.fadeInMs = 5000;
+    track(u"A.mp3"_s, 12.0, {u"-b:a"_s, u"128k"_s});
+    track(u"B.ogg"_s, 13.3, {u"-c:a"_s, u"libvorbis"_s});
+    track(u"C.wav"_s, 11.7);
+    const auto tracks = decoded(run(u"plain"_s, false));
+    session.settings.crossfade_value = 5000;
+    expectMix(tracks, decoded(run(u"mix"_s, true)), 5 * Rate);
+    EXPECT_TRUE(host.failures.isEmpty()) << host.failures.join(u'\n').toStdString();
+}
+
+TEST_F(MixTest, ATrackShorterThanTheOverlapStaysWhole) {
+    track(u"A.wav"_s, 6.0);
+    track(u"B.wav"_s, 1.5);
+    track(u"C.wav"_s, 5.0);
+    const auto tracks = decoded(run(u"plain"_s, false));
+    session.settings.crossfade_value = 3000;
+    const auto results = decoded(run(u"mix"_s, true));
+    ASSERT_EQ(results.size(), 3U);
+    EXPECT_EQ(host.failures.size(), 1) << host.failures.join(u'\n').toStdString();
+    // Nothing would be left of B without its head, so it keeps it and is not heard over A.
+    EXPECT_EQ(results[0], tracks[0]);
+    // C's head ends where B ends, as ever; what of it lies before B's beginning has no place.
+    ASSERT_EQ(results[1].size(), tracks[1].size());
+    const Samples head(tracks[2].begin() + std::ptrdiff_t(1.5 * Rate) * Channels,
+                       tracks[2].begin() + 3 * Rate * Channels);
+    std::vector<bool> shared;
+    EXPECT_LE(
+        support::maxDifference(results[1], overlapped({tracks[1], head}, head.size(), shared)),
+        1.01 * OneStep);
+    EXPECT_EQ(results[2], Samples(tracks[2].begin() + 3 * Rate * Channels, tracks[2].end()));
+    EXPECT_EQ(host.burnQuestions, 1);
+}
+
+TEST_F(MixTest, FiftySecondsOfOverlapOnShortTracksEndInOrder) {
+    for (const QString& name : {u"A.wav"_s, u"B.wav"_s, u"C.wav"_s}) track(name, 2.0);
+    session.settings.crossfade_value = 50000;
+    run(u"mix"_s, true);
+    EXPECT_EQ(host.burnQuestions, 1);
+    EXPECT_EQ(session.List1.rowCount(), 3);
+}
+
+TEST_F(MixTest, ASingleTrackStaysAsItIs) {
+    track(u"A.wav"_s, 3.0);
+    const auto tracks = decoded(run(u"plain"_s, false));
+    EXPECT_EQ(decoded(run(u"mix"_s, true)), tracks);
+    EXPECT_EQ(host.burnQuestions, 1);
+}
+
+/// Takes a head file away between the two rounds.
+class HeadTaker : public support::RecordingHost {
+  public:
+    QString head;
+    void showStatus(const QString& text) override {
+        if (text.contains(u"second round"_s)) QFile::remove(head);
+    }
+};
+
+TEST_F(MixTest, AMissingHeadFileLeavesTheTrackAsItIsAndTheRoundGoesOn) {
+    for (const QString& name : {u"A.wav"_s, u"B.wav"_s, u"C.wav"_s}) track(name, 5.0);
+    const auto tracks = decoded(run(u"plain"_s, false));
+    session.settings.crossfade_value = 1000;
+    HeadTaker taker;
+    taker.chosen = host.chosen;
+    taker.chosen.targetPath = folder.file(u"mix/"_s);
+    taker.chosen.crossFade = true;
+    taker.head = folder.file(u"mix/1_B.wav"_s);
+    wizard::TransformationPass(editor, session, taker).run();
+    const auto results = decoded(session.List1.stringList());
+    EXPECT_EQ(results[0], tracks[0]);
+    EXPECT_EQ(taker.failures.size(), 1);
+    const Samples b(tracks[1].begin() + Rate * Channels, tracks[1].end());
+    expectMix({b, tracks[2]}, {results[1], results[2]}, Rate);
+}
+
+TEST_F(MixTest, AStaleHeadOfAnEarlierRunIsNeverHeard) {
+    for (const QString& name : {u"A.wav"_s, u"B.wav"_s}) track(name, 4.0);
+    session.settings.crossfade_value = 1000;
+    run(u"mix"_s, true);
+    ASSERT_TRUE(QFile::exists(folder.file(u"mix/1_B.wav"_s)));
+    const auto tracks = decoded(run(u"plain"_s, false));
+
+    // B cannot be read any more, so nothing is cut off it this time.
+    QFile::remove(session.lstFiles.stringList().at(1));
+    QFile::remove(folder.file(u"mix/B.wav"_s));
+    const auto results = run(u"mix"_s, true);
+    EXPECT_EQ(decoded({results[0]}).front(), tracks[0]);
+    EXPECT_EQ(host.failures.size(), 2);
+}
+
+TEST_F(MixTest, OriginalsAreOnlyRead) {
+    host.chosen.normalize = host.chosen.trimSilence = true;
+    std::map<QString, std::vector<std::byte>> before;
+    for (const QString& name : {u"Ä 'quoted' \"name\".wav"_s, u"B.mp3"_s, u"C.flac"_s}) {
+        const QString path = track(name, 4.0,
+                                   name.endsWith(u"mp3"_s)    ? QStringList{u"-b:a"_s, u"128k"_s}
+                                   : name.endsWith(u"flac"_s) ? QStringList{u"-c:a"_s, u"flac"_s}
+                                                              : QStringList{});
+        before[path] = support::readBytes(platform::toPath(path));
+    }
+    session.settings.crossfade_value = 1000;
+    const QStringList results = run(u"mix"_s, true);
+    for (const auto& [path, bytes] : before)
+        EXPECT_EQ(support::readBytes(platform::toPath(path)), bytes);
+    EXPECT_EQ(results.at(2), folder.file(u"mix/C.fwav"_s));
+    EXPECT_EQ(decoded(results).size(), 3U);
+    EXPECT_TRUE(host.failures.isEmpty()) << host.failures.join(u'\n').toStdString();
+}
+
+TEST_F(MixTest, TheFadesRunToAndFromATenth) {
+    track(u"A.wav"_s, 10.0);
+    const auto plain = decoded(run(u"plain"_s, false)).front();
+    host.chosen.fadeOut = host.chosen.fadeIn = true;
+    session.settings.fadeOutMs = session.settings.fadeInMs = 4000;
+    const auto faded = decoded(run(u"mix"_s, false)).front();
+    ASSERT_EQ(faded.size(), plain.size());
+    const std::size_t frames = plain.size() / Channels;
+    const auto gain = [&](std::size_t frame) {
+        const double length = 4.0 * Rate;
+        const double in = frame < length ? 0.1 + 0.9 * double(frame) / (length - 1) : 1;
+        const double left = double(frames - 1 - frame);
+        const double out = left < length ? 0.1 + 0.9 * left / (length - 1) : 1;
+        return in * out;
+    };
+    double worst = 0;
+    for (std::size_t i = 0; i < plain.size(); ++i)
+        worst = std::max(worst, std::abs(faded[i] - plain[i] * gain(i / Channels)));
+    EXPECT_LE(worst, 2.01 * OneStep);  // two generations of dither where the two fades meet
+}
+
+TEST_F(MixTest, NormalizesToFullScale) {
+    host.chosen.normalize = true;
+    track(u"A.wav"_s, 2.0);
+    const auto sound = decoded(run(u"mix"_s, false)).front();
+    const auto [low, high] = std::ranges::minmax_element(sound);
+    EXPECT_NEAR(std::max(-*low, *high), 1.0, 2 * OneStep);
+}
+
+TEST_F(MixTest, WritesTheChosenFormat) {
+    track(u"A.wav"_s, 3.0);
+    const auto probe = [](const QString& file) {
+        return support::run(u"ffprobe"_s, {u"-v"_s, u"error"_s, u"-show_entries"_s,
+                                           u"stream=codec_name,sample_rate,channels,bit_rate"_s,
+                                           u"-of"_s, u"csv=p=0"_s, file})
+            .out.trimmed();
+    };
+    host.chosen.frequency = u"11050"_s;
+    host.chosen.bitRate = u"8-bit"_s;
+    host.chosen.channels = u"Mono"_s;
+    EXPECT_EQ(probe(run(u"mix"_s, false).first()), "pcm_u8,11025,1,88200");
+    host.chosen.format = u"MP3"_s;
+    host.chosen.frequency = u"48000"_s;
+    host.chosen.bitRate = u"192-bit"_s;
+    host.chosen.channels = u"Stereo"_s;
+    EXPECT_EQ(probe(run(u"mix"_s, false).first()), "mp3,48000,2,192000");
+}
+
+TEST_F(MixTest, KeepsOrStripsTheTags) {
+    const auto title = [](const QString& file) {
+        return support::run(u"ffprobe"_s, {u"-v"_s, u"error"_s, u"-show_entries"_s,
+                                           u"format_tags=title"_s, u"-of"_s, u"csv=p=0"_s, file})
+            .out.trimmed();
+    };
+    track(u"A.mp3"_s, 3.0, {u"-b:a"_s, u"128k"_s, u"-metadata"_s, u"title=Kept"_s});
+    host.chosen.format = u"MP3"_s;
+    host.chosen.bitRate = u"128-bit"_s;
+    EXPECT_EQ(title(run(u"mix"_s, false).first()), "Kept");
+    host.chosen.tags = wizard::TagChoice::SetNew;
+    EXPECT_EQ(title(run(u"mix"_s, false).first()), "Kept");
+    host.chosen.tags = wizard::TagChoice::Strip;
+    EXPECT_EQ(title(run(u"mix"_s, false).first()), "");
+}
+
+TEST_F(MixTest, AnUnreadableFileIsPassedOverAndNamed) {
+    track(u"A.wav"_s, 3.0);
+    const QString broken = folder.file(u"in/broken.wav"_s);
+    QFile(broken).open(QIODevice::WriteOnly);
+    session.addFile(broken);
+    session.addFile(folder.file(u"in/missing.mp3"_s));
+    track(u"B.wav"_s, 3.0);
+    const QStringList results = run(u"mix"_s, false);
+    EXPECT_EQ(results.size(), 4);
+    EXPECT_TRUE(QFile::exists(results.at(0)) && QFile::exists(results.at(3)));
+    EXPECT_FALSE(QFile::exists(results.at(1)) || QFile::exists(results.at(2)));
+    ASSERT_EQ(host.failures.size(), 2);
+    EXPECT_TRUE(host.failures.first().contains(u"broken.wav"_s));
+    EXPECT_EQ(host.completed, 1);
+}
+
+TEST_F(MixTest, ATargetFolderThatIsNotThereFailsEveryFileAndHarmsNone) {
+    track(u"A.wav"_s, 3.0);
+    run(u"nowhere/at/all"_s, false);
+    EXPECT_EQ(host.failures.size(), 1);
+    EXPECT_EQ(host.completed, 1);
+}
+
+TEST_F(MixTest, Mp3FilesJoinWithoutAGap) {
+    host.chosen.format = u"MP3"_s;
+    host.chosen.bitRate = u"192-bit"_s;
+    for (const QString& name : {u"A.wav"_s, u"B.wav"_s}) track(name, 6.0);
+    session.settings.crossfade_value = 2000;
+    const QStringList results = run(u"mix"_s, true);
+    std::size_t frames = 0;
+    for (const QString& file : results) {
+        const auto sound = support::decodeWithMpg123(platform::toPath(file));
+        frames += sound.frames();
+        EXPECT_EQ(sound.frames(), support::decodeWithFfmpeg(platform::toPath(file)).frames());
+    }
+    EXPECT_EQ(frames, std::size_t((6 + 4) * Rate));
+}
+
+}  // namespace
