@@ -9,8 +9,10 @@
 #include "cli/Session.h"
 #include "cli/commands/ConvertList.h"
 #include "cli/commands/Copy.h"
+#include "cli/commands/Crossfade.h"
 #include "cli/commands/Effect.h"
 #include "cli/commands/Show.h"
+#include "cli/commands/Transform.h"
 
 namespace cli {
 namespace {
@@ -24,6 +26,8 @@ void addCommands(CLI::App& app, Session& session) {
     addEffectCommand(app, session);
     addCopyCommand(app, session);
     addConvertListCommand(app, session);
+    addTransformCommand(app, session);
+    addCrossfadeCommand(app, session);
 }
 
 }  // namespace

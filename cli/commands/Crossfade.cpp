@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "cli/commands/Crossfade.h"
+
+#include <memory>
+#include <string>
+
+#include <CLI/CLI.hpp>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include "cli/MixOptions.h"
+#include "cli/Session.h"
+
+namespace cli {
+namespace {
+
+struct CrossfadeOptions {
+    MixOptions mix;
+    double overlap = 20;  // seconds
+    std::string burnList;
+};
+
+QString absolute(const std::string& name) {
+    if (name.empty()) return {};
+    return QDir::toNativeSeparators(QFileInfo(QFile::decodeName(name.c_str())).absoluteFilePath());
+}
+
+void crossfade(const CrossfadeOptions& options, Session& session) {
+    Report& report = session.report();
+    MixRun run = options.mix.toRun(report);
+    run.options.crossFade = true;
+    run.overlapMs = toMilliseconds(options.overlap);
+    run.burnList = absolute(options.burnList);
+    runMix(run, report);
+}
+
+}  // namespace
+
+void addCrossfadeCommand(CLI::App& app, Session& session) {
+    const auto options = std::make_shared<CrossfadeOptions>();
+    CLI::App* command =
+        app.add_subcommand("crossfade", "Makes one continuous mix of sound files in a folder");
+    options->mix.addTo(*command);
+    command->add_option("--overlap", options->overlap, "Seconds that two tracks are heard together")
+        ->check(CLI::Range(0.001, 2'000'000.0))
+        ->capture_default_str();
+    command->add_option("--burn-list", options->burnList, "Write the paths of the mix to this file")
+        ->type_name("FILE");
+    command->callback([options, &session] { crossfade(*options, session); });
+}
+
+}  // namespace cli

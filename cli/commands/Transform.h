@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+namespace CLI {
+class App;
+}
+
+namespace cli {
+
+class Session;
+
+/// `transform LIST|FILE... --target DIR [options]`: every file into another folder, trimmed,
+/// levelled and faded as asked, in one format. The files themselves are only read.
+void addTransformCommand(CLI::App& app, Session& session);
+
+}  // namespace cli
