@@ -29,7 +29,7 @@ class ReportingHost : public wizard::Host {
     wizard::Options options() const override { return run_.options; }
     bool abandoned() const override { return platform::interrupted(); }
     void showStatus(const QString&) override {}
-    void setFileMaximum(int files) override { files_ = files; }
+    void setFileMaximum(int) override {}
     void selectFile(int index) override { begin(index, 0); }
     void selectResult(int index) override { begin(index, 1); }
     void showResults() override {}
