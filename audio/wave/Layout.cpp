@@ -71,6 +71,12 @@ class Walker {
                });
     }
 
+    bool chunkFits(std::int64_t offset) {
+        if (!plausibleHeader(offset)) return false;
+        const std::vector<std::byte> size = bytesAt(offset + 4, 4);
+        return offset + headerSize + std::int64_t(littleEndian<4>(size.data())) <= layout_.fileSize;
+    }
+
     /// Takes in the chunk at an offset; returns where the next one begins.
     std::int64_t takeChunk(std::int64_t offset) {
         const std::vector<std::byte> header = bytesAt(offset, headerSize);
@@ -86,8 +92,7 @@ class Walker {
         layout_.chunks.push_back(chunk);
 
         const std::int64_t end = chunk.body + chunk.size;
-        const bool unpadded =
-            chunk.size % 2 == 1 && !plausibleHeader(end + 1) && plausibleHeader(end);
+        const bool unpadded = chunk.size % 2 == 1 && chunkFits(end) && !chunkFits(end + 1);
         return chunk.size % 2 == 1 && !unpadded ? end + 1 : end;
     }
 
