@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <string_view>
 
 #include "audio/mpeg/FrameIndex.h"
 
@@ -13,6 +14,7 @@ namespace {
 // reservoir (511 bytes of main data) and a few frames for the overlap of the two filter banks.
 constexpr int reservoirBytes = 512;
 constexpr std::size_t overlapFrames = 4;
+constexpr int mostFramesLost = 64;  // in one damaged stretch; more than that is something else
 constexpr std::size_t framesToJudgeBy = 32;  // whether the bit-rate varies, before all are known
 
 AVCodecID codecOfLayer(int layer) {
@@ -101,7 +103,7 @@ bool MpegSource::scanOne() {
         settle();
         return false;
     }
-    if (frame->junkBefore > 0 && !table_.empty()) damaged_ = true;
+    if (frame->junkBefore > 0 && !table_.empty()) bridge(*frame);
     if (table_.empty() && !info_) {
         header_ = frame->header;
         info_ = mpeg::InfoTag::parse(frame->header, scanner_.bytes(*frame));
@@ -116,6 +118,20 @@ bool MpegSource::scanOne() {
     highestBitRate_ = std::max(highestBitRate_, frame->header.bitRate);
     soundBytes_ += frame->size;
     return true;
+}
+
+/// Bytes that are no frames are frames that were damaged: silence of their length takes their
+/// place. A tag between two sounds is not, and has no length.
+void MpegSource::bridge(const mpeg::ScannedFrame& frame) {
+    damaged_ = true;
+    const std::span<const std::uint8_t> head = reader_.at(frame.offset - frame.junkBefore, 8);
+    const std::string_view text(reinterpret_cast<const char*>(head.data()), head.size());
+    if (text.starts_with("ID3") || text.starts_with("TAG") || text.starts_with("APETAGEX")) return;
+    const double usual = double(soundBytes_) / double(table_.size());
+    const int lost =
+        static_cast<int>(std::llround(std::min(1e6, double(frame.junkBefore) / usual)));
+    if (lost > mostFramesLost) return;
+    for (int i = 0; i < lost; ++i) table_.push_back({0, rawEnd(), 0, frame.header.samples()});
 }
 
 void MpegSource::scanAll() {
@@ -156,9 +172,15 @@ bool MpegSource::beyondSound(std::int64_t raw) {
 bool MpegSource::decodeNext() {
     if (!knows(next_)) return false;
     const Entry entry = table_[next_++];
+    pending_.clear();
+    pendingRaw_ = entry.raw;
+    if (entry.size == 0) {
+        pending_.resize(static_cast<std::size_t>(entry.samples) *
+                        static_cast<std::size_t>(format_.channels));
+        return true;
+    }
     const std::span<const std::uint8_t> bytes =
         reader_.at(entry.offset, static_cast<std::size_t>(entry.size));
-    pending_.clear();
     packet_->data = const_cast<std::uint8_t*>(bytes.data());  // only read
     packet_->size = static_cast<int>(bytes.size());
     const StreamDecoder::Result result = decoder_->decode(packet_.get(), pending_);
@@ -167,7 +189,6 @@ bool MpegSource::decodeNext() {
     const auto samples = static_cast<std::size_t>(entry.samples);
     if (result.damaged || result.frames != samples) damaged_ = true;
     pending_.resize(samples * static_cast<std::size_t>(format_.channels));  // silence for the rest
-    pendingRaw_ = entry.raw;
     return true;
 }
 

@@ -30,13 +30,14 @@ class MpegSource : public Decoder::Source {
     struct Entry {
         std::int64_t offset;
         std::int64_t raw;  ///< its first sample
-        int size;
+        int size;          ///< 0: it was lost and is silence
         int samples;
     };
 
     void describe();
     void describeBitRate();
     bool scanOne();
+    void bridge(const mpeg::ScannedFrame& frame);
     void scanAll();
     void settle();
     bool knows(std::size_t number);

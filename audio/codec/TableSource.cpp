@@ -69,6 +69,9 @@ bool TableSource::takeStep(const Step& step, std::size_t runSize) {
     }
     const std::int64_t expected = table_[number].end - startOf(number);
     if (expected != got) damaged_ = true;
+    if (expected > got && !step.result.damaged)  // what is missing lay before this packet
+        run_.insert(run_.begin() + static_cast<std::ptrdiff_t>(runSize),
+                    static_cast<std::size_t>(expected - got) * channels(), 0.0F);
     run_.resize(runSize + static_cast<std::size_t>(expected) * channels());
     if (!step.result.damaged && got > 0) usual_ = got;
     return true;
@@ -154,8 +157,11 @@ bool TableSource::build() {
     Input scan(file_, part_);
     std::vector<Entry> built;
     std::int64_t sum = -2 * block_;
+    std::int64_t first = 0;
     while (scan.read(*packet_)) {
         Entry entry = entryOf(*packet_);
+        if (built.empty()) first = entry.pts;
+        sum += lostBefore(entry.pts - first, sum + 2 * block_);
         sum += framesIn(*packet_, built.empty());
         entry.end = std::max<std::int64_t>(0, sum);
         built.push_back(entry);
@@ -170,6 +176,18 @@ bool TableSource::build() {
     table_ = std::move(built);
     complete_ = true;
     return true;
+}
+
+/// Frames of packets that are missing before one of this time, when so many frames were counted
+/// already. A stamp is a millisecond wide where blocks do not span packets, else some blocks.
+std::int64_t TableSource::lostBefore(std::int64_t time, std::int64_t counted) const {
+    constexpr std::int64_t longest = 60;  // seconds; a stamp further ahead is not believed
+    const std::int64_t place =
+        av_rescale_q(time, input_.stream().time_base, AVRational{1, format_.sampleRate});
+    const std::int64_t lost = (place - counted + block_ / 2) / block_;
+    const std::int64_t least = reservoir_ ? 4 : 1;
+    const bool believed = lost >= least && lost * block_ <= longest * format_.sampleRate;
+    return believed ? lost * block_ : 0;
 }
 
 std::int64_t TableSource::framesIn(const AVPacket& packet, bool first) const {

@@ -34,6 +34,7 @@ class TableSource : public StreamSource {
     Entry entryOf(const AVPacket& packet) const;
     bool build();
     std::int64_t framesIn(const AVPacket& packet, bool first) const;
+    std::int64_t lostBefore(std::int64_t time, std::int64_t counted) const;
     bool confirmedByDecoding(const std::vector<Entry>& built) const;
     void completeByDecoding();
     bool jumpToPacket(std::size_t first);
