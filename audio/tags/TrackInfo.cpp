@@ -14,6 +14,8 @@
 #include <fileref.h>
 #include <tag.h>
 
+#include "audio/codec/Decoder.h"
+
 namespace audio::tags {
 namespace {
 
@@ -63,17 +65,28 @@ std::int64_t durationOf(const TagLib::FileRef& file) {
     return claimed;
 }
 
+/// For formats that TagLib does not know; -1 where the decoder does not either.
+std::int64_t decodersEstimate(const std::filesystem::path& path) {
+    try {
+        const codec::Decoder decoder(path);
+        const std::int64_t frames = decoder.estimatedFrames();
+        return frames <= 0 ? -1 : frames * 1000 / decoder.format().sampleRate;
+    } catch (const std::exception&) {
+        return -1;
+    }
+}
+
 }  // namespace
 
 TrackInfo readTrackInfo(const std::filesystem::path& path) noexcept {
     try {
         std::error_code error;
         if (!std::filesystem::is_regular_file(path, error)) return {};
-        const TagLib::FileRef file(path.c_str());
-        if (file.isNull()) return {};
         TrackInfo info;
-        if (file.tag()) info.title = file.tag()->title().to8Bit(true);
-        info.durationMs = durationOf(file);
+        const TagLib::FileRef file(path.c_str());
+        if (!file.isNull() && file.tag()) info.title = file.tag()->title().to8Bit(true);
+        info.durationMs = file.isNull() ? -1 : durationOf(file);
+        if (info.durationMs < 0) info.durationMs = decodersEstimate(path);
         return info;
     } catch (const std::exception&) {
         return {};

@@ -63,7 +63,8 @@ class PlayerEngine : public QObject {
     void PlaySound(std::int16_t player);
     void SetPlayerFlag(std::int16_t player, bool flag);  ///< accepted, without meaning
 
-    // Playlists: entries by zero-based index, at most 32,767 of them.
+    // Playlists: entries by zero-based index, at most 32,767 of them. What follows a playing entry
+    // is settled two seconds before its end: an edit later than that does not change it.
 
     /// Reads an M3U or PLS file (told apart by what is in it) in place of the player's entries
     /// (replace ≠ 0) or after them (0). Answers 0, or 1 and changes nothing: the file cannot be
