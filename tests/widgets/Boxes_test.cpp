@@ -9,6 +9,7 @@
 #include "platform/Paths.h"
 #include "platform/ResumeNext.h"
 #include "tests/support/Answers.h"
+#include "tests/support/Fixtures.h"
 #include "tests/support/Gui.h"
 #include "tests/support/TempFolder.h"
 #include "widgets/CommonDialog.h"
@@ -37,6 +38,20 @@ TEST(MsgBox, PlainBoxBearsTheApplicationsTitle) {
     EXPECT_EQ(seen->title, u"Tracksmith"_s);
     EXPECT_EQ(seen->buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
     EXPECT_EQ(seen->icon, QMessageBox::NoIcon);
+}
+
+// As the window manager shows it.
+TEST(MsgBox, NothingIsAddedToATitleOnTheScreen) {
+    QByteArray name;
+    QTimer::singleShot(0, [&name] {
+        support::waitFor([] { return support::openWindow("MsgBox"); });
+        QWidget* box = support::openWindow("MsgBox");
+        const QStringList call{u"getwindowname"_s, QString::number(box->winId())};
+        name = support::run(u"xdotool"_s, call).out;
+        box->close();
+    });
+    msgBox(u"Really?"_s, MsgButtons::YesNo, MsgIcon::Question, u"Why?"_s);
+    EXPECT_EQ(name, "Why?\n");
 }
 
 TEST(MsgBox, EscapeIsTheAnswerThatChangesNothing) {
