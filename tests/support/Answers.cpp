@@ -82,6 +82,7 @@ Watcher& watcher() {
 
 bool press(QAbstractButton* button) {
     if (!button || !button->isVisible() || !button->isEnabled()) return false;
+    if (button->rect().isEmpty()) return false;  // its dialog is on the screen, not yet laid out
     QTest::mouseClick(button, Qt::LeftButton);
     return true;
 }
