@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// A run that is ended from outside, in order or by force: every file is the old one or the new one.
+#include <map>
+#include <random>
+#include <signal.h>
+#include <thread>
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <gtest/gtest.h>
+
+#include "tests/cli/CliRun.h"
+#include "tests/support/Sound.h"
+
+using namespace Qt::Literals::StringLiterals;
+using support::copyOf;
+using support::decodeWithFfmpeg;
+using support::fixture;
+using support::readBytes;
+using support::TempFolder;
+
+namespace {
+
+const char* const kinds[] = {"music.ogg", "tone.wav", "music.mp3", "tone.wma", "tone.mp2"};
+
+/// A folder of mixed files, and what each must be: its old bytes, or those that an undisturbed run
+/// writes, for a run gives the same bytes every time.
+class Victims {
+  public:
+    explicit Victims(int count) {
+        for (int i = 0; i < count; ++i) {
+            const char* kind = kinds[i % 5];
+            files_ << copyOf(kind, folder_, u"%1 %2"_s.arg(i).arg(QString::fromUtf8(kind)));
+        }
+    }
+    const QStringList& files() const { return files_; }
+
+    void restore() {
+        for (int i = 0; i < files_.size(); ++i)
+            support::writeBytes(platform::toPath(files_[i]), readBytes(fixture(kinds[i % 5])));
+    }
+    /// How many of the files are new; a failure for one that is neither.
+    int countNew() const {
+        int found = 0;
+        for (int i = 0; i < files_.size(); ++i) {
+            const auto bytes = readBytes(platform::toPath(files_[i]));
+            if (bytes == readBytes(fixture(kinds[i % 5]))) continue;
+            EXPECT_EQ(bytes, expected(kinds[i % 5])) << files_[i].toStdString();
+            ++found;
+        }
+        return found;
+    }
+    /// Files that are none of ours: what a killed run could not take away.
+    QStringList leftovers() const {
+        QStringList names;
+        for (const QString& name : entries())
+            if (!files_.contains(folder_.file(name))) names << name;
+        return names;
+    }
+    void removeLeftovers() const {
+        for (const QString& name : leftovers()) QFile::remove(folder_.file(name));
+    }
+
+  private:
+    QStringList entries() const {
+        return QDir(platform::toQString(folder_.path())).entryList(QDir::Files | QDir::Hidden);
+    }
+    static const std::vector<std::byte>& expected(const char* kind) {
+        static std::map<std::string, std::vector<std::byte>> known;
+        auto& bytes = known[kind];
+        if (bytes.empty()) {
+            TempFolder folder;
+            const QString file = copyOf(kind, folder, QString::fromUtf8(kind));
+            support::cli({u"effect"_s, u"normalize"_s, u"--value"_s, u"30"_s, file});
+            bytes = readBytes(platform::toPath(file));
+            EXPECT_EQ(decodeWithFfmpeg(platform::toPath(file)).frames(),
+                      decodeWithFfmpeg(fixture(kind)).frames());
+        }
+        return bytes;
+    }
+
+    TempFolder folder_;
+    QStringList files_;
+};
+
+void start(QProcess& process, const QStringList& files) {
+    process.start(QStringLiteral(TRACKSMITH_CLI),
+                  QStringList{u"effect"_s, u"normalize"_s, u"--value"_s, u"30"_s} + files);
+    ASSERT_TRUE(process.waitForStarted(30000));
+}
+
+TEST(Interrupted, ByControlCTheRunEndsInOrder) {
+    Victims victims(40);
+    QProcess process;
+    start(process, victims.files());
+    ASSERT_TRUE(process.waitForReadyRead(60000));  // the first file is done
+    ASSERT_EQ(::kill(static_cast<pid_t>(process.processId()), SIGINT), 0);
+    ASSERT_TRUE(process.waitForFinished(60000));
+    EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(process.exitCode(), 1);
+    const QByteArray said = process.readAllStandardError();
+    EXPECT_TRUE(said.contains("interrupted")) << said.toStdString();
+    const int done = victims.countNew();
+    EXPECT_GE(done, 1);
+    EXPECT_LT(done, 40);
+    EXPECT_EQ(said.count("failed: "), 40 - done);
+    EXPECT_TRUE(victims.leftovers().isEmpty());
+}
+
+// What is left behind by force can only be a temporary, hidden, of the files that were in hand.
+TEST(Interrupted, ByForceAtAnyMomentEveryFileIsOldOrNew) {
+    Victims victims(10);
+    QElapsedTimer timer;
+    timer.start();
+    QProcess whole;
+    start(whole, victims.files());
+    ASSERT_TRUE(whole.waitForFinished(120000));
+    const auto length = static_cast<int>(timer.elapsed());
+    EXPECT_EQ(victims.countNew(), 10);
+    std::mt19937 random(20);
+    int unfinished = 0;
+    for (int round = 0; round < 20; ++round) {
+        victims.restore();
+        QProcess process;
+        start(process, victims.files());
+        const int moment = static_cast<int>(random() % static_cast<unsigned>(length));
+        process.waitForFinished(moment);
+        process.kill();
+        process.waitForFinished(30000);
+        if (victims.countNew() < 10) ++unfinished;
+        EXPECT_LE(victims.leftovers().size(), 2 * std::thread::hardware_concurrency());
+        for (const QString& name : victims.leftovers())
+            EXPECT_TRUE(name.startsWith(u".tracksmith-"_s)) << name.toStdString();
+        victims.removeLeftovers();
+    }
+    EXPECT_GT(unfinished, 5) << "most runs were over before they were killed";
+}
+
+}  // namespace
