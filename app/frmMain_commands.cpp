@@ -18,10 +18,26 @@ namespace app {
 const std::vector<frmMain::Command>& frmMain::commands() {
     static const std::vector<Command> map = {
         // buttons
+        CLICK(CommandRewind1),
+        CLICK(CommandForward1),
+        CLICK(CommandLoad1),
+        CLICK(CommandAddSong1),
+        CLICK(CommandRemove1),
+        CLICK(CommandMoveUp1),
+        CLICK(CommandMoveDown1),
+        CLICK(CommandSave1),
         CLICK(Button7),
+        CLICK(CommandPlay1),
+        CLICK(CommandPause1),
+        CLICK(CommandStop1),
+        CLICK(CommandPrev1),
+        CLICK(CommandNext1),
         CLICK(Button1),
+        CLICK(Button2),
         CLICK(Button12),
         // Options menu: the list
+        CLICK(mnuDeselectAll),
+        CLICK(mnuSelected_All),
         // Options menu: effects
         CLICK(mnuAdd_Silence_end),
         CLICK(mnuSilence2Frt),

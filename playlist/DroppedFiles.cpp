@@ -6,6 +6,7 @@
 #include <QCollator>
 #include <QDir>
 #include <QFileInfo>
+#include <QLocale>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -18,7 +19,9 @@ bool isList(const QString& path) {
 }
 
 void naturalSort(QStringList& names) {
-    QCollator collator;
+    // The C locale knows no natural order.
+    const QLocale locale;
+    QCollator collator(locale.language() == QLocale::C ? QLocale(QLocale::English) : locale);
     collator.setNumericMode(true);
     collator.setCaseSensitivity(Qt::CaseInsensitive);
     std::sort(names.begin(), names.end(), collator);
