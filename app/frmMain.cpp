@@ -11,12 +11,14 @@
 
 #include "app/EffectsHost.h"
 #include "app/HandoffHost.h"
+#include "app/Skin.h"
 #include "effects/batch/BatchRunner.h"
 #include "effects/dialogs/EffectDialogs.h"
 #include "effects/engine/AudioEditor.h"
 #include "platform/Paths.h"
 #include "platform/ResumeNext.h"
 #include "player/deck/Deck.h"
+#include "player/deck/Displays.h"
 #include "player/engine/PlayerEngine.h"
 #include "playlist/PlaylistCommands.h"
 #include "playlist/PlaylistFiles.h"
@@ -51,6 +53,10 @@ player::DeckControls deckControls(const Ui::frmMain& ui) {
             ui.CommandPause2};
 }
 
+player::DisplayColours displayColours() {
+    return {skinColour(u"accent"_s), skinColour(u"ahead"_s), skinColour(u"alarm"_s)};
+}
+
 }  // namespace
 
 frmMain::frmMain(QWidget* parent)
@@ -71,6 +77,7 @@ frmMain::frmMain(QWidget* parent)
     handoff_ = std::make_unique<HandoffHost>(
         HandoffHost::Parts{*this, *ui_, *PlayerEngine1, *list_, *files_, TotalMinutes, closing_});
     buildEffects();
+    displays_ = std::make_unique<player::Displays>(*PlayerEngine1, displayColours());
     buildMenus();
     connectCommands();
     connectEvents();
@@ -91,6 +98,9 @@ void frmMain::Form_Initialize() {
 
 void frmMain::Form_Load() {
     PlayerEngine1->InitEngine(2, static_cast<std::intptr_t>(winId()), 0, 0, 0, 0);
+    displays_->createWaveform(0, ui_->PictureWaveform1);
+    displays_->createSpectrum(0, ui_->PictureWaveform2);
+    displays_->show(0, true);
     PlayerEngine1->SetPlayerFlag(0, true);
     PlayerEngine1->SetPlayerFlag(1, true);
     ui_->ListView1->setColumnCharacters(0, 8);

@@ -24,6 +24,7 @@ class EffectDialogs;
 }  // namespace effects
 namespace player {
 class Deck;
+class Displays;
 class PlayerEngine;
 }  // namespace player
 namespace playlist {
@@ -129,6 +130,8 @@ class frmMain : public QWidget {
     void Slider1_Change();
     void SliderVolume1_Change();
     void Timer1_Timer();
+    void mnuTest_Click();
+    void PictureWaveform1_Pointed(double share);
     void ListView1_DblClick();
     void PlayerEngine1_PlaybackStarted(int player);
     void PlayerEngine1_NowPlayingChanged(int player, int index);
@@ -174,6 +177,7 @@ class frmMain : public QWidget {
     std::unique_ptr<playlist::PlaylistCommands> list_;
     std::unique_ptr<playlist::PlaylistFiles> files_;
     std::unique_ptr<player::Deck> deck_;
+    std::unique_ptr<player::Displays> displays_;
     std::unique_ptr<HandoffHost> handoff_;
     std::unique_ptr<EffectsHost> effectsHost_;
     std::unique_ptr<effects::BatchRunner> runner_;

@@ -38,6 +38,7 @@ const std::vector<frmMain::Command>& frmMain::commands() {
         // Options menu: the list
         CLICK(mnuDeselectAll),
         CLICK(mnuSelected_All),
+        CLICK(mnuTest),
         // Options menu: effects
         CLICK(mnuAdd_Silence_end),
         CLICK(mnuSilence2Frt),
@@ -84,6 +85,8 @@ void frmMain::connectEvents() {
     connect(ui_->Slider1, &widgets::SkinSlider::Changed, this, &frmMain::Slider1_Change);
     connect(ui_->SliderVolume1, &widgets::SkinSlider::Changed, this,
             &frmMain::SliderVolume1_Change);
+    connect(ui_->PictureWaveform1, &widgets::PictureBox::pointed, this,
+            &frmMain::PictureWaveform1_Pointed);
     connect(ui_->ListView1, &widgets::ListView::rowDoubleClicked, this,
             &frmMain::ListView1_DblClick);
     connect(ui_->ListView1, &widgets::ListView::filesDropped, this,

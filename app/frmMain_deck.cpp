@@ -3,6 +3,7 @@
 #include "app/frmMain.h"
 #include "platform/ResumeNext.h"
 #include "player/deck/Deck.h"
+#include "player/deck/Displays.h"
 #include "ui_frmMain.h"
 
 namespace app {
@@ -17,6 +18,7 @@ void frmMain::CommandPause1_Click() {
 
 void frmMain::CommandStop1_Click() {
     deck_->Stop();
+    displays_->refresh();
 }
 
 void frmMain::CommandNext1_Click() {
@@ -45,6 +47,15 @@ void frmMain::SliderVolume1_Change() {
 
 void frmMain::Timer1_Timer() {
     deck_->ShowPosition();
+    displays_->refresh();
+}
+
+void frmMain::mnuTest_Click() {
+    deck_->TestFadeOverlay();
+}
+
+void frmMain::PictureWaveform1_Pointed(double share) {
+    deck_->SeekTo(share);
 }
 
 void frmMain::ListView1_DblClick() {

@@ -7,6 +7,7 @@
 #include <QShortcut>
 
 #include "app/frmMain.h"
+#include "player/deck/Deck.h"
 #include "player/engine/PlayerEngine.h"
 #include "ui_frmMain.h"
 
@@ -50,8 +51,9 @@ void frmMain::keyPressEvent(QKeyEvent* event) {
     if (inText || beyondKeypad) return QWidget::keyPressEvent(event);
     switch (event->key()) {
         case Qt::Key_Space: {
-            const bool stopped = PlayerEngine1->GetPlayerStatus(0) == player::StatusStopped;
-            return (stopped ? ui_->CommandPlay1 : ui_->CommandPause1)->click();
+            const bool idle =
+                !deck_->locked() || PlayerEngine1->GetPlayerStatus(0) == player::StatusStopped;
+            return (idle ? ui_->CommandPlay1 : ui_->CommandPause1)->click();
         }
         case Qt::Key_Return:
         case Qt::Key_Enter:

@@ -15,6 +15,8 @@ namespace player {
 namespace {
 
 constexpr int titleColumn = 2;
+constexpr std::int32_t overlayMs = 30000;
+constexpr std::int16_t fullLevel = 99;
 
 QString percentText(std::int32_t position) {
     return QString::number(position < 0 ? 0 : position) + u'%';
@@ -82,6 +84,30 @@ void Deck::VolumeChanged() {
     engine_.SetVolume(0, static_cast<std::int16_t>(controls_.volume->value()));
 }
 
+void Deck::SeekTo(double share) {
+    const std::int64_t length = engine_.LengthMs(0);
+    if (length <= 0) return;
+    engine_.SetPositionUnit(UnitMilliseconds);
+    engine_.Seek(0, static_cast<std::int32_t>(static_cast<double>(length) * share));
+    ShowPosition();
+}
+
+void Deck::TestFadeOverlay() {
+    const int rows = controls_.list->rowCount();
+    if (rows == 0) return;
+    const int row = controls_.list->currentRow();
+    const auto next = static_cast<std::int16_t>(row % rows);
+    controls_.list->setMultiSelect(false);
+    showSelectedTitle();
+    lockEditing(true);
+    engine_.SetPositionUnit(UnitMilliseconds);
+    engine_.PlaylistPlayItem(0, static_cast<std::int16_t>(row - 1));
+    engine_.Seek(0, overlayMs);
+    engine_.FadePlayer(0, fullLevel, 0, overlayMs);
+    engine_.LoadSound(1, engine_.PlaylistGetItemInfo(0, next, ItemInfoPath));
+    engine_.FadePlayer(1, 0, fullLevel, overlayMs);
+}
+
 void Deck::ShowPosition() {
     engine_.SetPositionUnit(UnitPercent);
     const std::int32_t position = engine_.GetPosition(0);
@@ -113,6 +139,7 @@ void Deck::NowPlayingChanged(int player, int index) {
 }
 
 void Deck::lockEditing(bool locked) {
+    locked_ = locked;
     for (QAbstractButton* button : controls_.editingLock) button->setEnabled(!locked);
 }
 

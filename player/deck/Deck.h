@@ -24,6 +24,15 @@ class Deck {
     void Rewind();
     void PositionChanged();  ///< the user moved the position slider; yields to pending events
     void VolumeChanged();
+    /// To a place in the current entry, 0 to 1.
+    void SeekTo(double share);
+
+    /// Hears how two entries overlap: the second half-minute of the selected one fades out while
+    /// the next one (after the last, the first) fades in on player 1. Stop ends both.
+    void TestFadeOverlay();
+
+    /// From Play to Stop, while the editing of the list is locked.
+    bool locked() const { return locked_; }
 
     /// Percent, position text and slider, every half second.
     void ShowPosition();
@@ -39,6 +48,7 @@ class Deck {
 
     PlayerEngine& engine_;
     DeckControls controls_;
+    bool locked_ = false;
 };
 
 }  // namespace player

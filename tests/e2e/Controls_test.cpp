@@ -9,6 +9,7 @@
 #include <QTimer>
 
 #include "tests/support/MainWindow.h"
+#include "widgets/Application.h"
 #include "widgets/SkinButton.h"
 #include "widgets/SkinSlider.h"
 
@@ -122,7 +123,7 @@ struct Controls : MainWindow {};
 
 TEST_F(Controls, WindowTitle) {
     EXPECT_EQ(window->windowTitle(), u"Tracksmith v5.8"_s);
-    EXPECT_EQ(QApplication::applicationDisplayName(), u"Tracksmith"_s);
+    EXPECT_EQ(widgets::Application::title(), u"Tracksmith"_s);
 }
 
 TEST_F(Controls, ButtonsHaveTheirCaptionsAndAreEnabledWhileIdle) {
