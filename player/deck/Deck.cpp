@@ -114,6 +114,8 @@ void Deck::ShowPosition() {
     controls_.percent->setText(percentText(position));
     if (position < 0) {
         controls_.nowPlaying->clear();
+        controls_.positionText->clear();
+        controls_.position->setShownValue(0);
     } else {
         controls_.positionText->setText(engine_.GetFormattedPosition(0, 1, 1));
         controls_.position->setShownValue(position);

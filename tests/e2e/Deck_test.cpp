@@ -1,0 +1,278 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The deck on the real window, playing real files into a silent device.
+#include <algorithm>
+#include <fstream>
+
+#include "tests/support/MainWindow.h"
+#include "widgets/SkinSlider.h"
+
+using namespace Qt::Literals::StringLiterals;
+using namespace support;
+
+namespace {
+
+struct DeckTest : MainWindow {
+    void SetUp() override {
+        MainWindow::SetUp();
+        window->openPaths({song(u"a.mp3"_s, "music.mp3"), song(u"b.ogg"_s, "music.ogg"),
+                           song(u"c.wav"_s, "music.wav")});
+        ASSERT_EQ(list().rowCount(), 3);
+    }
+
+    void TearDown() override {
+        press("CommandStop1");
+        MainWindow::TearDown();
+    }
+
+    bool statusBecomes(int status) {
+        return waitFor([=, this] { return engine().GetPlayerStatus(0) == status; });
+    }
+    /// Percent, whatever unit the deck left behind.
+    int position() {
+        const std::int16_t unit = engine().PositionUnit();
+        engine().SetPositionUnit(player::UnitPercent);
+        const int percent = engine().GetPosition(0);
+        engine().SetPositionUnit(unit);
+        return percent;
+    }
+    bool heardRow(int row) {
+        return waitFor([=, this] { return engine().PlaylistNowPlaying(0) == row - 1; });
+    }
+    void doubleClick(int row) {
+        const QPoint place = list().visualRect(list().model()->index(row - 1, 2)).center();
+        QTest::mouseClick(list().viewport(), Qt::LeftButton, Qt::NoModifier, place);
+        QTest::mouseDClick(list().viewport(), Qt::LeftButton, Qt::NoModifier, place);
+    }
+    /// Seventy seconds.
+    QString longTone() {
+        const QString path = folder.file(u"long.wav"_s);
+        const Outcome made = run(u"ffmpeg"_s, {u"-v"_s, u"error"_s, u"-f"_s, u"lavfi"_s, u"-i"_s,
+                                               u"sine=440:d=70"_s, path});
+        EXPECT_EQ(made.exitCode, 0) << made.err.toStdString();
+        return path;
+    }
+    widgets::SkinSlider& slider() { return find<widgets::SkinSlider>(*window, "Slider1"); }
+};
+
+}  // namespace
+
+TEST_F(DeckTest, PlayPlaysTheSelectedEntryAndNamesIt) {
+    list().selectRow(2);
+    press("CommandPlay1");
+    EXPECT_EQ(text("Label1"), list().subItem(2, 2));
+    EXPECT_FALSE(list().multiSelect());
+    EXPECT_TRUE(statusBecomes(player::StatusPlaying));
+    EXPECT_TRUE(heardRow(2));
+}
+
+TEST_F(DeckTest, DoubleClickDoesWhatPlayDoes) {
+    doubleClick(3);
+    EXPECT_TRUE(heardRow(3));
+    EXPECT_EQ(text("Label1"), list().subItem(3, 2));
+    EXPECT_FALSE(button("CommandLoad1").isEnabled());
+}
+
+TEST_F(DeckTest, PauseTwiceGivesResumeAndThenPauseAgain) {
+    press("CommandPlay1");
+    ASSERT_TRUE(heardRow(1));
+    press("CommandPause1");
+    EXPECT_EQ(button("CommandPause1").text(), u"Resume"_s);
+    EXPECT_TRUE(statusBecomes(player::StatusPaused));
+    EXPECT_FALSE(button("CommandLoad1").isEnabled()) << "paused is not idle";
+    press("CommandPause1");
+    EXPECT_TRUE(waitFor([this] { return button("CommandPause1").text() == u"Pause"; }));
+    EXPECT_TRUE(statusBecomes(player::StatusPlaying));
+}
+
+TEST_F(DeckTest, PauseWhileStoppedDoesNothing) {
+    press("CommandStop1");
+    ASSERT_TRUE(statusBecomes(player::StatusStopped));
+    press("CommandPause1");
+    EXPECT_EQ(button("CommandPause1").text(), u"Pause"_s);
+    EXPECT_EQ(engine().GetPlayerStatus(0), player::StatusStopped);
+}
+
+TEST_F(DeckTest, StopReleasesTheLockAndEmptiesTheLine) {
+    press("CommandPlay1");
+    ASSERT_TRUE(heardRow(1));
+    press("CommandStop1");
+    EXPECT_EQ(text("Label1"), QString());
+    EXPECT_TRUE(list().multiSelect());
+    EXPECT_TRUE(button("CommandLoad1").isEnabled());
+    EXPECT_TRUE(statusBecomes(player::StatusStopped));
+}
+
+TEST_F(DeckTest, PlayWithoutRowsStillLocks) {
+    press("Button2");
+    press("CommandPlay1");
+    EXPECT_FALSE(button("Button2").isEnabled());
+    EXPECT_FALSE(button("CommandAddSong1").isEnabled());
+    press("CommandPause1");
+    press("CommandNext1");
+    EXPECT_FALSE(button("Button2").isEnabled()) << "only Stop releases the lock";
+    press("CommandStop1");
+    EXPECT_TRUE(button("Button2").isEnabled());
+}
+
+TEST_F(DeckTest, NextAndPreviousMoveTheHighlight) {
+    press("CommandPlay1");
+    ASSERT_TRUE(heardRow(1));
+    press("CommandNext1");
+    EXPECT_TRUE(waitFor([this] { return list().currentRow() == 2; }));
+    EXPECT_TRUE(waitFor([this] { return text("Label1") == list().subItem(2, 2); }));
+    EXPECT_TRUE(list().hasFocus());
+    press("CommandPrev1");
+    EXPECT_TRUE(waitFor([this] { return list().currentRow() == 1; }));
+}
+
+TEST_F(DeckTest, TheEndOfASongLeadsToTheNextAndTheLockStays) {
+    press("CommandPlay1");
+    ASSERT_TRUE(heardRow(1));
+    slider().setValue(98);
+    EXPECT_TRUE(waitFor([this] { return list().currentRow() == 2; }));
+    EXPECT_TRUE(waitFor([this] { return text("Label1") == list().subItem(2, 2); }));
+    EXPECT_FALSE(button("CommandLoad1").isEnabled());
+}
+
+TEST_F(DeckTest, TheEndOfTheListShowsNothingPlayingAndTheLockStays) {
+    list().selectRow(3);
+    press("CommandPlay1");
+    ASSERT_TRUE(heardRow(3));
+    slider().setValue(98);
+    EXPECT_TRUE(statusBecomes(player::StatusStopped));
+    EXPECT_TRUE(waitFor([this] { return text("LabelPosition1") == u"0%"; }));
+    EXPECT_TRUE(waitFor([this] { return text("Label1").isEmpty(); }));
+    EXPECT_FALSE(button("CommandLoad1").isEnabled());
+}
+
+TEST_F(DeckTest, TheSliderSeeks) {
+    press("CommandPlay1");
+    ASSERT_TRUE(heardRow(1));
+    press("CommandPause1");
+    ASSERT_TRUE(statusBecomes(player::StatusPaused));
+    slider().setValue(50);
+    EXPECT_TRUE(waitFor([this] { return position() == 50; }));
+    EXPECT_TRUE(waitFor([this] { return text("LabelPosition1") == u"50%"; }));
+    EXPECT_TRUE(waitFor([this] { return text("Label6").startsWith(u"0:10"); })) << "of 20 seconds";
+}
+
+TEST_F(DeckTest, AClickOnTheSliderSeeksThere) {
+    press("CommandPlay1");
+    ASSERT_TRUE(heardRow(1));
+    press("CommandPause1");
+    ASSERT_TRUE(statusBecomes(player::StatusPaused));
+    click(slider());
+    EXPECT_NEAR(slider().value(), 50, 1);
+    EXPECT_TRUE(waitFor([this] { return std::abs(position() - 50) <= 1; }));
+}
+
+TEST_F(DeckTest, TheTimerMovesTheSliderWithoutSeeking) {
+    press("CommandPlay1");
+    ASSERT_TRUE(heardRow(1));
+    int changes = 0;
+    QObject::connect(&slider(), &widgets::SkinSlider::Changed, window.get(),
+                     [&changes] { ++changes; });
+    EXPECT_TRUE(waitFor([this] { return slider().value() >= 5; }));
+    EXPECT_EQ(changes, 0);
+    EXPECT_EQ(text("LabelPosition1"), QString::number(slider().value()) + u'%');
+    EXPECT_TRUE(waitFor([this] { return engine().PositionUnit() == player::UnitMilliseconds; }))
+        << "the timer leaves milliseconds behind";
+}
+
+TEST_F(DeckTest, PointingAtTheWaveformSeeks) {
+    press("CommandPlay1");
+    ASSERT_TRUE(heardRow(1));
+    press("CommandPause1");
+    ASSERT_TRUE(statusBecomes(player::StatusPaused));
+    click(*window, "PictureWaveform1");
+    EXPECT_TRUE(waitFor([this] { return std::abs(position() - 50) <= 1; }));
+}
+
+TEST_F(DeckTest, ForwardAndRewindStepTenSeconds) {
+    press("CommandPlay1");
+    ASSERT_TRUE(heardRow(1));
+    press("CommandPause1");
+    ASSERT_TRUE(statusBecomes(player::StatusPaused));
+    slider().setValue(25);
+    ASSERT_TRUE(waitFor([this] { return position() == 25; }));
+    press("CommandForward1");
+    EXPECT_TRUE(waitFor([this] { return position() == 75; })) << "of 20 seconds";
+    press("CommandRewind1");
+    EXPECT_TRUE(waitFor([this] { return position() == 25; }));
+}
+
+TEST_F(DeckTest, AnEntryThatCannotBePlayedIsPassedOver) {
+    press("Button2");
+    const QString path = folder.file(u"list.m3u"_s);
+    std::ofstream(platform::toPath(path)) << "gone.mp3\ngone too.mp3\n"
+                                          << song(u"a2.mp3"_s, "music.mp3").toStdString() << "\n";
+    window->openPaths({path});
+    list().selectRow(1);
+    press("CommandPlay1");
+    EXPECT_TRUE(heardRow(3));
+    EXPECT_TRUE(waitFor([this] { return list().currentRow() == 3; }));
+}
+
+TEST_F(DeckTest, SpacePausesAndResumes) {
+    list().setFocus();
+    QTest::keyClick(&list(), Qt::Key_Space);
+    ASSERT_TRUE(heardRow(1));
+    QTest::keyClick(&list(), Qt::Key_Space);
+    EXPECT_TRUE(statusBecomes(player::StatusPaused));
+    QTest::keyClick(&list(), Qt::Key_Space);
+    EXPECT_TRUE(statusBecomes(player::StatusPlaying));
+}
+
+TEST_F(DeckTest, TheVolumeSliderReachesTheEngine) {
+    auto& volume = find<widgets::SkinSlider>(*window, "SliderVolume1");
+    press("CommandPlay1");
+    ASSERT_TRUE(heardRow(1));
+    std::array<float, 32> bands{};
+    const auto loudest = [&] {
+        engine().Spectrum(0, bands);
+        return *std::ranges::max_element(bands);
+    };
+    EXPECT_TRUE(waitFor([&] { return loudest() > 0.2F; }));
+    volume.setValue(0);
+    EXPECT_TRUE(waitFor([&] { return loudest() < 0.05F; }));
+}
+
+TEST_F(DeckTest, TheDisplaysDrawWhilePlaying) {
+    QWidget& waveform = find<QWidget>(*window, "PictureWaveform1");
+    QWidget& spectrum = find<QWidget>(*window, "PictureWaveform2");
+    const QImage idleWave = waveform.grab().toImage();
+    const QImage idleSpectrum = spectrum.grab().toImage();
+    press("CommandPlay1");
+    ASSERT_TRUE(heardRow(1));
+    EXPECT_TRUE(waitFor([&] { return waveform.grab().toImage() != idleWave; }));
+    EXPECT_TRUE(waitFor([&] { return spectrum.grab().toImage() != idleSpectrum; }));
+    slider().setValue(50);
+    const QColor red = app::skinColour(u"alarm"_s);
+    EXPECT_TRUE(waitFor([&] {
+        const QImage image = waveform.grab().toImage();
+        for (int x = image.width() * 45 / 100; x < image.width() * 55 / 100; ++x) {
+            if (image.pixelColor(x, 3) == red) return true;
+        }
+        return false;
+    })) << "the play position in the middle";
+}
+
+TEST_F(DeckTest, FadeAndOverlayPlayBothPlayersAndStopEndsBoth) {
+    press("Button2");
+    window->openPaths({longTone(), song(u"next.mp3"_s, "music.mp3")});
+    chooseFromMenu(*window, "Button1", "mnuTest");
+    EXPECT_TRUE(heardRow(1));
+    EXPECT_TRUE(waitFor([this] { return engine().GetPlayerStatus(1) == player::StatusPlaying; }));
+    EXPECT_FALSE(button("CommandLoad1").isEnabled());
+    EXPECT_TRUE(waitFor([this] { return position() >= 42; })) << "from 30 of 70 seconds on";
+    EXPECT_TRUE(waitFor([this] { return text("LabelPosition2").endsWith(u'%'); }));
+    press("CommandStop1");
+    EXPECT_TRUE(statusBecomes(player::StatusStopped));
+    EXPECT_TRUE(waitFor([this] { return engine().GetPlayerStatus(1) == player::StatusStopped; }));
+}
+
+TEST_F(DeckTest, FadeAndOverlayOfAnEmptyListDoesNothing) {
+    press("Button2");
+    chooseFromMenu(*window, "Button1", "mnuTest");
+    EXPECT_TRUE(button("CommandLoad1").isEnabled());
+}
