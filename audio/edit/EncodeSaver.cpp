@@ -44,6 +44,7 @@ SaveReport encodeTo(const std::filesystem::path& path, const SaveJob& job, Work&
     return report;
 }
 
+// ASF keeps its metadata in front: the sound is encoded beside, in the folder for scratch files.
 SaveReport encodeAsf(const SaveJob& job, platform::AtomicFile& file, Work& work) {
     const ScratchFile scratch(job.scratchFolder);
     const SaveReport report = encodeTo(scratch.path(), job, work);

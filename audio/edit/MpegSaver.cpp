@@ -121,6 +121,7 @@ class MpegSave {
     }
 
     SaveReport splice(const mpeg::FrameIndex& index) {
+        if (job_.encodeAll) return encode(mpeg::settingsOf(index));
         if (const auto reason = whyNot(index)) {
             report_.note = *reason;
             return encode(mpeg::settingsOf(index));

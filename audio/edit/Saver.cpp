@@ -62,7 +62,43 @@ std::int64_t SaveJob::outputFrames() const {
                                    {output.sampleRate, output.channels});
 }
 
-SaveReport writeSound(const SaveJob& job, platform::AtomicFile& file, Work& work) {
+namespace {
+
+void verifySound(const std::filesystem::path& written, const SaveJob& job,
+                 const SaveReport& report) {
+    job.source->requireUnchanged();
+    if (report.verified) return;
+    codec::Decoder decoder(written);
+    const codec::Format& format = decoder.format();
+    if (format.sampleRate == job.output.sampleRate && format.channels == job.output.channels &&
+        decoder.frames() == report.frames)
+        return;
+    throw platform::Error("The finished file holds " + std::to_string(decoder.frames()) +
+                          " frames instead of " + std::to_string(report.frames) +
+                          ", so it was thrown away.");
+}
+
+// Frames that were joined are looked at right away: where the result is not what it should be, all
+// of the sound is encoded instead.
+SaveReport writeVerifiedMpeg(const SaveJob& job, platform::AtomicFile& file, Work& work) {
+    SaveReport report = writeMpeg(job, file, work);
+    if (report.method != SaveMethod::Spliced) return report;
+    try {
+        verifySound(file.temporary(), job, report);
+        report.verified = true;
+        return report;
+    } catch (const platform::Error& error) {
+        job.source->requireUnchanged();
+        file.truncate(0);
+        SaveJob again = job;
+        again.encodeAll = true;
+        report = writeMpeg(again, file, work);
+        report.note = error.what();
+        return report;
+    }
+}
+
+SaveReport write(const SaveJob& job, platform::AtomicFile& file, Work& work) {
     requireCarriable(job);
     requireEncoder(job);
     job.source->requireUnchanged();
@@ -70,9 +106,21 @@ SaveReport writeSound(const SaveJob& job, platform::AtomicFile& file, Work& work
     const bool unchanged = job.sameFormat() && job.keepTags && job.list.isAllOf(*job.source);
     if (unchanged) return writeCopy(job, file, work);
     if (job.output.codec == codec::Codec::Mp3 || job.output.codec == codec::Codec::Mp2)
-        return writeMpeg(job, file, work);
+        return writeVerifiedMpeg(job, file, work);
     return writeEncoded(job, file, work);
 }
+
+// What failed on the way to the target is told of the target.
+[[noreturn]] void rethrowNaming(const std::filesystem::path& target,
+                                const std::filesystem::path& temporary, std::string text) {
+    const std::string wrong = platform::toUtf8(temporary);
+    const std::string right = platform::toUtf8(target);
+    for (auto at = text.find(wrong); at != std::string::npos; at = text.find(wrong))
+        text.replace(at, wrong.size(), right);
+    throw platform::Error(text);
+}
+
+}  // namespace
 
 SaveReport writeCopy(const SaveJob& job, platform::AtomicFile& file, Work& work) {
     const std::filesystem::path& source = job.source->path();
@@ -84,20 +132,28 @@ SaveReport writeCopy(const SaveJob& job, platform::AtomicFile& file, Work& work)
         file.copyFrom(source, done, count);
         work.advance(count);
     }
-    return {SaveMethod::Copied, job.source->frames(), 0, {}};
+    SaveReport report;
+    report.method = SaveMethod::Copied;
+    report.frames = job.source->frames();
+    return report;
 }
 
-void verifySound(const std::filesystem::path& written, const SaveJob& job,
-                 const SaveReport& report) {
-    job.source->requireUnchanged();
-    codec::Decoder decoder(written);
-    const codec::Format& format = decoder.format();
-    if (format.sampleRate == job.output.sampleRate && format.channels == job.output.channels &&
-        decoder.frames() == report.frames)
-        return;
-    throw platform::Error("The finished file holds " + std::to_string(decoder.frames()) +
-                          " frames instead of " + std::to_string(report.frames) +
-                          ", so it was thrown away.");
+SaveReport save(const SaveJob& job, const std::filesystem::path& target, Work& work) {
+    platform::AtomicFile file(target);
+    try {
+        SaveReport report = write(job, file, work);
+        std::error_code ignored;
+        report.overSource = std::filesystem::equivalent(file.target(), job.source->path(), ignored);
+        file.commit([&](const std::filesystem::path& written) {
+            verifySound(written, job, report);
+            work.advance(0);
+        });
+        return report;
+    } catch (const Cancelled&) {
+        throw;
+    } catch (const platform::Error& error) {
+        rethrowNaming(target, file.temporary(), error.what());
+    }
 }
 
 }  // namespace audio::edit

@@ -21,6 +21,7 @@ struct SaveJob {
     std::shared_ptr<const SourceMaterial> source;  ///< the file that was loaded
     codec::Format output;
     bool keepTags = true;
+    bool encodeAll = false;  ///< never join MPEG frames, encode all of the sound
     /// Where encoded sound is kept while its final place is being prepared.
     std::filesystem::path scratchFolder;
 
@@ -49,16 +50,16 @@ struct SaveReport {
     SaveMethod method = SaveMethod::Encoded;
     std::int64_t frames = 0;          ///< in the file that was written
     std::int64_t renderedFrames = 0;  ///< how many of them are not copies of the source's
+    bool overSource = false;          ///< the file that was loaded is the one that was replaced
+    bool verified = false;            ///< it has been opened again already
     std::string note;  ///< why not a cheaper method, where there is one; may be empty
 };
 
-/// Writes the job's sound and metadata into the temporary of `file`, complete but for commit().
-/// Decoding, effects and encoding run side by side. Throws platform::Error where the format cannot
-/// be written or something in the file could not be carried over, and whatever reading throws.
-SaveReport writeSound(const SaveJob& job, platform::AtomicFile& file, Work& work);
-
-/// Opens a finished file and throws platform::Error where it does not hold what was to be written.
-void verifySound(const std::filesystem::path& written, const SaveJob& job,
-                 const SaveReport& report);
+/// Writes the job's sound and metadata to a temporary beside the target, opens it again to see that
+/// it holds what it should, and puts it in the target's place. Decoding, effects and encoding run
+/// side by side. Throws platform::Error naming the target where the format cannot be written or
+/// something in the file could not be carried over, and whatever reading throws; the target is then
+/// as it was.
+SaveReport save(const SaveJob& job, const std::filesystem::path& target, Work& work);
 
 }  // namespace audio::edit

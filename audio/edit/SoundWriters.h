@@ -3,7 +3,8 @@
 
 #include "audio/edit/Saver.h"
 
-/// The ways of saving; private to this folder. Each writes sound and metadata as writeSound() says.
+/// The ways of saving; private to this folder. Each writes the job's sound and metadata into the
+/// temporary of `file`, complete but for commit().
 namespace audio::edit {
 
 /// The source's own file, byte for byte, where nothing was changed.

@@ -13,7 +13,6 @@
 #include "effects/engine/BackgroundWork.h"
 #include "effects/engine/EditorState.h"
 #include "effects/engine/Measure.h"
-#include "platform/AtomicFile.h"
 #include "platform/Error.h"
 #include "platform/Paths.h"
 
@@ -106,23 +105,17 @@ void AudioEditor::Impl::close() noexcept {
 void AudioEditor::Impl::save(const QString& path, const EditList& list) {
     if (list.frames() == 0 && sound.source->frames() > 0)
         throw platform::Error("Nothing is left of the sound, so it is not saved.");
-    const audio::edit::SaveJob job{list, sound.source, output.value_or(sound.source->format()),
-                                   keepTags, platform::toPath(temporaryFolder)};
+    audio::edit::SaveJob job;
+    job.list = list;
+    job.source = sound.source;
+    job.output = output.value_or(sound.source->format());
+    job.keepTags = keepTags;
+    job.scratchFolder = platform::toPath(temporaryFolder);
     const std::filesystem::path target = platform::toPath(path);
     audio::edit::SaveReport report;
-    bool overItself = false;
-    run([&](Work& progress) {
-        platform::AtomicFile file(target);
-        std::error_code ignored;
-        overItself = std::filesystem::equivalent(file.target(), job.source->path(), ignored);
-        report = audio::edit::writeSound(job, file, progress);
-        file.commit([&](const std::filesystem::path& written) {
-            audio::edit::verifySound(written, job, report);
-            progress.advance(0);
-        });
-    });
+    run([&](Work& progress) { report = audio::edit::save(job, target, progress); });
     lastReport = report;
-    savedOver = savedOver || overItself;
+    savedOver = savedOver || report.overSource;
 }
 
 AudioEditor::AudioEditor(QObject* parent) : QObject(parent), impl_(std::make_shared<Impl>(this)) {}
