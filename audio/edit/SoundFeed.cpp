@@ -35,7 +35,7 @@ dsp::PcmFormat pcmFormatOf(codec::SampleType type) {
 void addDither(std::span<float> samples, int bits, std::uint64_t firstIndex) {
     const float step = 1.0F / static_cast<float>(1 << (bits - 1));
     for (float& sample : samples) {
-        if (sample != 0.0F) sample += step * dsp::ditherNoise(firstIndex);
+        if (sample != 0.0F) sample += step * dsp::ditherNoise(firstIndex, sample);
         ++firstIndex;
     }
 }

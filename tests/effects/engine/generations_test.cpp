@@ -60,7 +60,8 @@ TEST_P(Generations, TenFadeInsKeepTheLengthAndTheRest) {
         EXPECT_GT(support::snrDb(before.part(lastSecond, second).samples,
                                  after.part(lastSecond, second).samples),
                   leastSnr(kind));
-    const double step = kind.step * (kind.dithered ? 10.0 : 2.0) + 1e-5;
+    // Independent noise of ten generations has a deviation of 1.6 steps.
+    const double step = kind.step * (kind.dithered ? 9.0 : 5.0) + 1e-5;
     if (kind.lossy())
         EXPECT_GT(support::snrDb(wanted.part(0, second).samples, after.part(0, second).samples),
                   leastSnr(kind));
