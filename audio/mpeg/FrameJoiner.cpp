@@ -22,11 +22,15 @@ class Copier {
         for (const std::int64_t end = first + count; first < end;) {
             const std::int64_t stop = std::min(end, first + copiedAtOnce);
             const std::int64_t offset = source_->index().frame(first).offset;
-            for (std::int64_t i = first; i < stop; ++i) {
-                writer_.noteFrame(source_->index().frame(i).offset - offset);
-            }
             const std::int64_t size = source_->index().frame(stop - 1).end() - offset;
-            writer_.write(source_->bytes(ByteRange{offset, size}));
+            const auto bytes = source_->bytes(ByteRange{offset, size});
+            for (std::int64_t i = first; i < stop; ++i) {
+                const ByteRange frame = source_->index().frame(i);
+                writer_.noteFrame(bytes.subspan(static_cast<std::size_t>(frame.offset - offset),
+                                                static_cast<std::size_t>(frame.size)),
+                                  frame.offset - offset);
+            }
+            writer_.write(bytes);
             progress_(stop - first);
             first = stop;
         }
@@ -145,7 +149,7 @@ class PlainJoiner : public FrameJoiner {
                 bytes.push_back(static_cast<std::uint8_t>(word >> shift));
             }
             bytes.insert(bytes.end(), frame.main.begin(), frame.main.end());
-            writer_.noteFrame();
+            writer_.noteFrame(bytes);
             writer_.write(bytes);
         }
     }

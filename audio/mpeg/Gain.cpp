@@ -62,7 +62,7 @@ SpliceOutcome gain(const std::filesystem::path& file, const FrameIndex& index, i
             throw CannotSplice("The level of the file \"" + platform::toUtf8(file) +
                                "\" cannot be changed so far without encoding it.");
         }
-        writer.noteFrame();
+        writer.noteFrame(frame);
         writer.write(frame);
         if (options.progress && i % 1024 == 0) {
             options.progress(static_cast<double>(i) / static_cast<double>(index.frameCount()));

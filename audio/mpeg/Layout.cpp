@@ -249,7 +249,9 @@ Layout layOutEncoded(const Geometry& geometry, std::int64_t length) {
     layout.length = length;
     layout.statesGaps = geometry.infoFrame;
     layout.start = geometry.infoFrame ? geometry.codecDelay : 0;
-    layout.frames = std::max<std::int64_t>(1, ceilDivide(length + layout.start, geometry.frame));
+    // Decoders do not recognise a stream by a single frame.
+    layout.frames = std::max<std::int64_t>(geometry.infoFrame ? 2 : 1,
+                                           ceilDivide(length + layout.start, geometry.frame));
     layout.pieces.push_back({Piece::Kind::Encoded, 0, layout.frames, 0});
     return layout;
 }

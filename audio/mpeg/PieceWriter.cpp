@@ -11,6 +11,8 @@ namespace {
 constexpr std::int64_t seamSearch = 8;
 // Of a kept piece, so many frames stay kept wherever its seams go.
 constexpr std::int64_t keptAlways = 3;
+// Kept frames at either end of a piece that are decoded again and compared.
+constexpr std::int64_t checkedFrames = 4;
 
 // Places where windows fit, the best first: the first one that lacks little reservoir, then by what
 // they lack, which cheaper frames have to make up for.
@@ -47,10 +49,11 @@ std::int64_t sourceFrameOf(const Piece& piece, std::int64_t frame) {
 }  // namespace
 
 PieceWriter::PieceWriter(const EncoderSettings& settings, const Layout& layout, OutputSound& sound,
-                         StreamWriter& writer, SourceFrames* source, const FrameHeader& like,
-                         int threads, std::function<void(double)> progress)
+                         StreamWriter& writer, SourceFrames* source, SeamCheck* check,
+                         const FrameHeader& like, int threads, std::function<void(double)> progress)
     : settings_(settings),
       layout_(layout),
+      check_(check),
       progress_(std::move(progress)),
       tick_([this] { report(); }) {
     joiner_ = makeJoiner(settings, writer, like, source, [this](std::int64_t frames) {
@@ -198,9 +201,23 @@ void PieceWriter::addFrames(const Chunk& chunk, std::int64_t first, std::int64_t
 
 // Writes the open kept piece up to a frame of the new stream.
 void PieceWriter::addKept(std::int64_t end) {
-    joiner_->addKept(sourceFrameOf(*open_, openFirst_), end - openFirst_);
-    kept_ += end - openFirst_;
+    const std::int64_t count = end - openFirst_;
+    const std::int64_t sourceFirst = sourceFrameOf(*open_, openFirst_);
+    expectKept(openFirst_, count, sourceFirst);
+    joiner_->addKept(sourceFirst, count);
+    kept_ += count;
     open_ = nullptr;
+}
+
+// The first kept frames overlap with what stands before them; from then on nothing may differ.
+void PieceWriter::expectKept(std::int64_t first, std::int64_t count, std::int64_t sourceFirst) {
+    const std::int64_t overlap = settings_.samplesPerFrame() == 576 ? 3 : 2;
+    const bool moved = first > 0 || sourceFirst > 0;
+    const std::int64_t from = moved ? std::min(overlap, count) : 0;
+    const std::int64_t ahead = std::min<std::int64_t>(checkedFrames, count - from);
+    check_->expectKept(first + from, ahead, sourceFirst + from);
+    const std::int64_t last = std::min<std::int64_t>(checkedFrames, count - from - ahead);
+    check_->expectKept(first + count - last, last, sourceFirst + count - last);
 }
 
 void PieceWriter::report() {

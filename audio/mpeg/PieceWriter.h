@@ -11,6 +11,7 @@
 #include "audio/mpeg/FrameJoiner.h"
 #include "audio/mpeg/Layout.h"
 #include "audio/mpeg/OutputSound.h"
+#include "audio/mpeg/SeamCheck.h"
 #include "audio/mpeg/SourceFrames.h"
 #include "audio/mpeg/Splice.h"
 
@@ -20,10 +21,10 @@ namespace audio::mpeg {
 /// drives it, others encode.
 class PieceWriter {
   public:
-    /// `source` may be null where nothing is kept. All references must outlive it.
+    /// `source` and `check` may be null where nothing is kept. All references must outlive it.
     PieceWriter(const EncoderSettings& settings, const Layout& layout, OutputSound& sound,
-                StreamWriter& writer, SourceFrames* source, const FrameHeader& like, int threads,
-                std::function<void(double)> progress);
+                StreamWriter& writer, SourceFrames* source, SeamCheck* check,
+                const FrameHeader& like, int threads, std::function<void(double)> progress);
     ~PieceWriter();
 
     void run();
@@ -41,10 +42,12 @@ class PieceWriter {
     int tolerance(const Chunk& chunk) const;
     void addFrames(const Chunk& chunk, std::int64_t first, std::int64_t end, int needBehind);
     void addKept(std::int64_t end);
+    void expectKept(std::int64_t first, std::int64_t count, std::int64_t sourceFirst);
     void report();
 
     EncoderSettings settings_;
     const Layout& layout_;
+    SeamCheck* check_;
     std::int64_t done_ = 0;
     std::int64_t kept_ = 0;
     std::function<void(double)> progress_;

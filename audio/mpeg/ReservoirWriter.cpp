@@ -121,7 +121,7 @@ void ReservoirWriter::put(std::int64_t at, std::span<const std::uint8_t> bytes) 
 
 void ReservoirWriter::flush(std::int64_t until) {
     while (!slots_.empty() && slots_.front().end() <= until) {
-        writer_.noteFrame();
+        writer_.noteFrame(slots_.front().bytes);
         writer_.write(slots_.front().bytes);
         slots_.pop_front();
     }

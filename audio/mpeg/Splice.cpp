@@ -145,9 +145,14 @@ SpliceOutcome splice(const std::filesystem::path& file, const FrameIndex& index,
     StreamWriter writer(sink, layout.frames);
     auto info = infoFrameFor(index, layout, frames);
     if (info) writer.writeInfoFrame(info->bytes());
-    PieceWriter pieces(settings, layout, sound, writer, &frames, index.header(), options.threads,
-                       progressOf(options));
+    SeamCheck check(file, index);
+    writer.setListener([&check](std::int64_t number, std::span<const std::uint8_t> frame) {
+        check.frame(number, frame);
+    });
+    PieceWriter pieces(settings, layout, sound, writer, &frames, &check, index.header(),
+                       options.threads, progressOf(options));
     pieces.run();
+    check.finish();
     SpliceOutcome outcome = finish(layout, geometry, writer, info, options.levelChanged);
     outcome.encoded = pieces.encoded();
     outcome.keptFrames = pieces.keptFrames();
@@ -166,7 +171,7 @@ SpliceOutcome encode(const EncoderSettings& settings, const SoundCallback& callb
     std::optional<InfoFrame> info;
     if (settings.layer == 3) info.emplace(settings, like);
     if (info) writer.writeInfoFrame(info->bytes());
-    PieceWriter pieces(settings, layout, sound, writer, nullptr, like, options.threads,
+    PieceWriter pieces(settings, layout, sound, writer, nullptr, nullptr, like, options.threads,
                        progressOf(options));
     pieces.run();
     SpliceOutcome outcome = finish(layout, geometry, writer, info, options.levelChanged);

@@ -20,11 +20,12 @@ void StreamWriter::write(std::span<const std::uint8_t> bytes) {
     bytes_ += static_cast<std::int64_t>(bytes.size());
 }
 
-void StreamWriter::noteFrame(std::int64_t ahead) {
+void StreamWriter::noteFrame(std::span<const std::uint8_t> frame, std::int64_t ahead) {
     while (filled_ < offsets_.size() &&
            noted_ >= static_cast<std::int64_t>(filled_) * frames_ / 100) {
         offsets_[filled_++] = bytes_ + ahead;
     }
+    if (listener_) listener_(noted_, frame);
     ++noted_;
 }
 

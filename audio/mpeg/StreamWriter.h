@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <span>
 
 #include "audio/mpeg/Splice.h"
@@ -20,8 +21,11 @@ class StreamWriter {
     void writeInfoFrame(std::span<const std::uint8_t> bytes);
     /// The next bytes of frames of sound.
     void write(std::span<const std::uint8_t> bytes);
-    /// Tells where the next frame of sound will begin, `ahead` bytes further than written.
-    void noteFrame(std::int64_t ahead = 0);
+    /// Tells of the next frame of sound, which will begin `ahead` bytes further than written.
+    void noteFrame(std::span<const std::uint8_t> frame, std::int64_t ahead = 0);
+    /// To be told of every frame too, with its number.
+    using Listener = std::function<void(std::int64_t, std::span<const std::uint8_t>)>;
+    void setListener(Listener listener) { listener_ = std::move(listener); }
 
     std::int64_t bytes() const { return bytes_; }
     std::int64_t framesNoted() const { return noted_; }
@@ -38,6 +42,7 @@ class StreamWriter {
     std::uint16_t crc_ = 0;
     std::array<std::int64_t, 100> offsets_{};
     std::size_t filled_ = 0;
+    Listener listener_;
 };
 
 }  // namespace audio::mpeg
