@@ -238,6 +238,10 @@ void MuxerSink::send(const AVFrame* frame) {
         const int result = avcodec_receive_packet(codec_.get(), packet_.get());
         if (result == AVERROR(EAGAIN) || result == AVERROR_EOF) return;
         require(result, "could not be encoded");
+        if (packets_++ >= mostPackets_) {
+            av_packet_unref(packet_.get());
+            continue;
+        }
         packet_->stream_index = 0;
         av_packet_rescale_ts(packet_.get(), codec_->time_base, muxer_->streams[0]->time_base);
         require(av_write_frame(muxer_.get(), packet_.get()), "could not be written");
@@ -253,7 +257,9 @@ void MuxerSink::finish() {
         takeSilence(static_cast<std::size_t>(std::max<std::int64_t>(0, stored - taken_)));
     }
     encodeBlock(1);
-    if (recipe_.cut == 0) send(nullptr);  // where it is cut, what the encoder still holds is delay
+    // Where the delay was cut at the start, what follows the last whole block is delay again.
+    if (recipe_.cut > 0) mostPackets_ = taken_ / recipe_.block;
+    send(nullptr);
     require(av_write_trailer(muxer_.get()), "could not be completed");
     avio_flush(muxer_->pb);
     require(muxer_->pb->error, "could not be written");

@@ -58,6 +58,8 @@ class MuxerSink : public Encoder::Sink {
     std::int64_t taken_ = 0;       ///< into the FIFO
     std::int64_t encoded_ = 0;
     int cutLeft_ = 0;
+    std::int64_t packets_ = 0;
+    std::int64_t mostPackets_ = INT64_MAX;
     int quantum_ = 0;  ///< bits of a sample where the encoder's integers have more
 };
 

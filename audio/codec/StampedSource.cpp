@@ -9,7 +9,8 @@ namespace {
 
 constexpr std::int64_t preRoll = 16'384;      // frames; more than any codec here needs to settle
 constexpr std::int64_t opusPreRoll = 96'000;  // Opus predicts from what it decoded long before
-constexpr std::int64_t longestHole = 60;      // seconds; a stamp further ahead is not believed
+constexpr std::int64_t mostPadding = 4'096;
+constexpr std::int64_t longestHole = 60;  // seconds; a stamp further ahead is not believed
 
 /// Whether a container numbers its packets by frames.
 bool numbersFrames(const std::string& container) {
@@ -32,7 +33,10 @@ bool StampedSource::serves(const Input& input) {
 }
 
 StampedSource::StampedSource(const std::filesystem::path& file, FilePart part)
-    : StreamSource(file, part) {}
+    : StreamSource(file, part) {
+    // The edit list of MP4 leaves the padding of the last packet out (ISO/IEC 14496-12, 8.6.6).
+    if (input_.containerName().starts_with("mov")) unpaddedEnd_ = input_.statedFrames();
+}
 
 std::int64_t StampedSource::frameOf(std::int64_t pts) const {
     return av_rescale_q(pts, input_.stream().time_base, AVRational{1, format_.sampleRate});
@@ -51,6 +55,24 @@ std::int64_t StampedSource::stampOf(const StreamDecoder::Result& result,
 }
 
 bool StampedSource::extendRun() {
+    if (!extendByPacket()) return false;
+    if (placed_ && unpaddedEnd_ >= 0 && runEnd() > unpaddedEnd_) cutPadding();
+    return true;
+}
+
+/// The word on the end is taken only where no more follows than the padding of a packet or two.
+void StampedSource::cutPadding() {
+    const std::int64_t furthest = unpaddedEnd_ + mostPadding;
+    while (runEnd() <= furthest && extendByPacket()) continue;
+    if (runEnd() > furthest) {
+        unpaddedEnd_ = -1;
+    } else {
+        run_.resize(static_cast<std::size_t>(std::max<std::int64_t>(0, unpaddedEnd_ - runStart_)) *
+                    channels());
+    }
+}
+
+bool StampedSource::extendByPacket() {
     const std::int64_t before = runEnd();
     while (true) {
         const std::size_t size = run_.size();

@@ -19,12 +19,16 @@ class StampedSource : public StreamSource {
     void jumpBefore(std::int64_t frame) override;
     std::int64_t countFrames() override;
     std::int64_t countByDecoding();
+    bool extendByPacket();
+    void cutPadding();
     bool jumpTo(std::int64_t frame);
     std::int64_t frameOf(std::int64_t pts) const;
     std::int64_t stampOf(const StreamDecoder::Result& result, std::int64_t expected) const;
 
     std::optional<std::int64_t> origin_;  ///< the stamp, in frames, of the sound's first frame
     bool placed_ = true;                  ///< the run's place is known
+    /// Where the sound ends by the container's word, which counts no padding; -1: it has none.
+    std::int64_t unpaddedEnd_ = -1;
 };
 
 }  // namespace audio::codec
