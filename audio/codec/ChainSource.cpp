@@ -9,7 +9,7 @@ namespace audio::codec {
 
 ChainSource::ChainSource(const std::filesystem::path& file, const std::vector<FilePart>& links) {
     for (const FilePart& part : links)
-        links_.push_back(std::make_unique<StampedSource>(file, part));
+        links_.push_back(std::make_unique<StampedSource>(Input(file, part)));
     format_ = links_.front()->format();
     contents_ = links_.front()->contents();
     contents_.chained = true;

@@ -26,9 +26,11 @@ void requireFile(const std::filesystem::path& file) {
 /// Whether frames of MPEG audio follow one another right behind the file's leading tags.
 bool isMpegAudio(const std::filesystem::path& file) {
     mpeg::FileReader reader(file);
+    const std::int64_t start = mpeg::findTags(reader).leadingEnd;
+    if (!mpeg::FrameHeader::parse(reader.at(start, 4))) return false;
     mpeg::FrameScanner scanner(reader);
     const auto first = scanner.next();
-    if (!first || first->offset != scanner.tags().leadingEnd) return false;
+    if (!first || first->offset != start) return false;
     const auto second = scanner.next();
     return !second || second->junkBefore == 0;
 }
@@ -41,14 +43,14 @@ std::unique_ptr<Decoder::Source> openSource(const std::filesystem::path& file) {
     }
     // A few frames are too little for a probe by content alone, but not for one that follows them.
     if (isMpegAudio(file)) return std::make_unique<MpegSource>(file);
-    const std::string container = probeContainer(file);
-    if (container == "mp3") return std::make_unique<MpegSource>(file);
-    if (container == "ogg") {
+    Input input(file);
+    if (input.containerName() == "mp3") return std::make_unique<MpegSource>(file);
+    if (input.containerName() == "ogg") {
         const std::vector<FilePart> links = findOggLinks(file);
         if (links.size() > 1) return std::make_unique<ChainSource>(file, links);
     }
-    if (StampedSource::serves(Input(file))) return std::make_unique<StampedSource>(file);
-    return std::make_unique<TableSource>(file);
+    if (StampedSource::serves(input)) return std::make_unique<StampedSource>(std::move(input));
+    return std::make_unique<TableSource>(std::move(input));
 }
 
 }  // namespace

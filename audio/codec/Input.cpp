@@ -2,6 +2,7 @@
 #include "audio/codec/Input.h"
 
 #include <algorithm>
+#include <array>
 
 #include "audio/codec/Source.h"
 
@@ -86,17 +87,14 @@ Codec codecOf(AVCodecID id) {
 
 }  // namespace
 
-std::string probeContainer(const std::filesystem::path& file) {
-    return openContainer(file, {})->iformat->name;
-}
-
 Input::Input(const std::filesystem::path& file, FilePart part) : file_(file), part_(part) {
     open();
 }
 
 void Input::open() {
     context_ = openContainer(file_, part_);
-    if (avformat_find_stream_info(context_.get(), nullptr) < 0)
+    // Looking into the packets takes most of the time of opening; these headers say it all.
+    if (!describedByHeader() && avformat_find_stream_info(context_.get(), nullptr) < 0)
         throw fileError(file_, "is damaged: its description cannot be read");
     chooseStream();
     const auto encrypted = [this](const char* key) {
@@ -104,6 +102,19 @@ void Input::open() {
     };
     if (encrypted("ASF_Protection_Type") || encrypted("ASF_Key_ID"))
         throw fileError(file_, "is protected against copying and cannot be read");
+}
+
+bool Input::describedByHeader() const {
+    constexpr std::array names = {"ogg", "flac", "mov,mp4,m4a,3gp,3g2,mj2", "asf"};
+    if (std::find(names.begin(), names.end(), containerName()) == names.end()) return false;
+    for (unsigned i = 0; i < context_->nb_streams; ++i) {
+        const AVCodecParameters& own = *context_->streams[i]->codecpar;
+        if (own.codec_type != AVMEDIA_TYPE_AUDIO) continue;
+        if (own.codec_id == AV_CODEC_ID_NONE || own.sample_rate < 1 ||
+            own.ch_layout.nb_channels < 1)
+            return false;
+    }
+    return context_->nb_streams > 0;
 }
 
 void Input::chooseStream() {
@@ -156,6 +167,9 @@ Format Input::format() const {
     }
     format.bitRate = own.bit_rate;
     if (format.bitRate <= 0) format.bitRate = std::max<std::int64_t>(0, context_->bit_rate);
+    const std::int64_t frames = statedFrames();
+    if (format.bitRate <= 0 && frames > 0)
+        format.bitRate = av_rescale(8 * avio_size(context_->pb), own.sample_rate, frames);
     format.variableBitRate = own.codec_id == AV_CODEC_ID_VORBIS || own.codec_id == AV_CODEC_ID_OPUS;
     return format;
 }

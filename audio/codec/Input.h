@@ -41,6 +41,7 @@ class Input {
     const AVCodecParameters& parameters() const { return *stream_->codecpar; }
     std::string containerName() const { return context_->iformat->name; }
     const std::filesystem::path& file() const { return file_; }
+    FilePart part() const { return part_; }
 
     /// What the file says of itself.
     Format format() const;
@@ -51,15 +52,12 @@ class Input {
   private:
     void open();
     void chooseStream();
+    bool describedByHeader() const;
 
     std::filesystem::path file_;
     FilePart part_;
     InputPtr context_;
     AVStream* stream_ = nullptr;
 };
-
-/// The name of the container that the file's first bytes are those of, as Input would open it.
-/// Throws platform::Error as Input does.
-std::string probeContainer(const std::filesystem::path& file);
 
 }  // namespace audio::codec

@@ -32,8 +32,7 @@ bool StampedSource::serves(const Input& input) {
     return fine && numbersFrames(name) && (!wave || constantSize);
 }
 
-StampedSource::StampedSource(const std::filesystem::path& file, FilePart part)
-    : StreamSource(file, part) {
+StampedSource::StampedSource(Input input) : StreamSource(std::move(input)) {
     // The edit list of MP4 leaves the padding of the last packet out (ISO/IEC 14496-12, 8.6.6).
     if (input_.containerName().starts_with("mov")) unpaddedEnd_ = input_.statedFrames();
 }

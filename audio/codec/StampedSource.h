@@ -9,7 +9,7 @@ namespace audio::codec {
 /// WavPack ...): a place is what the stamp says, so damage leaves a hole of the right length.
 class StampedSource : public StreamSource {
   public:
-    explicit StampedSource(const std::filesystem::path& file, FilePart part = {});
+    explicit StampedSource(Input input);
 
     /// Whether the stamps of a container and codec are exact.
     static bool serves(const Input& input);

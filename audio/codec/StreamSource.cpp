@@ -9,25 +9,21 @@ namespace {
 // A run that was read to its end is dropped; one that was read half is kept up to this size.
 constexpr std::size_t longestRunKept = 1 << 18;
 
-StreamDecoder openDecoder(const std::filesystem::path& file, const Input& input) {
+StreamDecoder openDecoder(const Input& input) {
     try {
         return StreamDecoder(input.parameters(), input.stream().time_base);
     } catch (const platform::Error& error) {
-        throw fileError(file, std::string("cannot be decoded: ") + error.what());
+        throw fileError(input.file(), std::string("cannot be decoded: ") + error.what());
     }
 }
 
 }  // namespace
 
-StreamSource::StreamSource(const std::filesystem::path& file, FilePart part)
-    : file_(file),
-      part_(part),
-      input_(file, part),
-      decoder_(openDecoder(file, input_)),
-      packet_(makePacket()) {
+StreamSource::StreamSource(Input input)
+    : input_(std::move(input)), decoder_(openDecoder(input_)), packet_(makePacket()) {
     format_ = input_.format();
     contents_ = input_.contents();
-    if (format_.channels < 1) throw fileError(file, "states no number of channels");
+    if (format_.channels < 1) throw fileError(input_.file(), "states no number of channels");
 }
 
 std::int64_t StreamSource::estimatedFrames() const {
@@ -70,7 +66,7 @@ StreamSource::Step StreamSource::decodePacket() {
 
 void StreamSource::rewindStream() {
     input_.rewind();
-    decoder_ = openDecoder(file_, input_);  // a flushed one may begin otherwise than a new one
+    decoder_ = openDecoder(input_);  // a flushed one may begin otherwise than a new one
     drained_ = false;
     startRun(0);
 }

@@ -22,7 +22,7 @@ class StreamSource : public Decoder::Source {
     std::int64_t position() const override { return position_; }
 
   protected:
-    explicit StreamSource(const std::filesystem::path& file, FilePart part);
+    explicit StreamSource(Input input);
 
     /// Decodes on until the run has grown; false at the end of the stream.
     virtual bool extendRun() = 0;
@@ -43,8 +43,6 @@ class StreamSource : public Decoder::Source {
     Step decodePacket();
     void rewindStream();
 
-    std::filesystem::path file_;
-    FilePart part_;
     Input input_;
     StreamDecoder decoder_;
     PacketPtr packet_;

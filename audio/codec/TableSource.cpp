@@ -29,8 +29,8 @@ bool usesReservoir(const AVCodecParameters& parameters) {
 
 }  // namespace
 
-TableSource::TableSource(const std::filesystem::path& file, FilePart part)
-    : StreamSource(file, part),
+TableSource::TableSource(Input input)
+    : StreamSource(std::move(input)),
       block_(wmaFrameLength(input_.parameters())),
       reservoir_(usesReservoir(input_.parameters())) {
     if (input_.parameters().block_align < 1) block_ = 0;
@@ -145,7 +145,7 @@ std::int64_t TableSource::countFrames() {
 }
 
 void TableSource::completeByDecoding() {
-    TableSource scan(file_, part_);
+    TableSource scan(Input(input_.file(), input_.part()));
     while (scan.extendRun()) scan.startRun(scan.runEnd());
     table_ = std::move(scan.table_);
     complete_ = true;
@@ -154,7 +154,7 @@ void TableSource::completeByDecoding() {
 /// Makes the whole table from what the packets of WMA state; false where decoding disagrees. The
 /// decoder drops two of its frames at the start and gives one more at the end.
 bool TableSource::build() {
-    Input scan(file_, part_);
+    Input scan(input_.file(), input_.part());
     std::vector<Entry> built;
     std::int64_t sum = -2 * block_;
     std::int64_t first = 0;
@@ -202,7 +202,7 @@ std::int64_t TableSource::framesIn(const AVPacket& packet, bool first) const {
 }
 
 bool TableSource::confirmedByDecoding(const std::vector<Entry>& built) const {
-    TableSource check(file_, part_);
+    TableSource check(Input(input_.file(), input_.part()));
     check.block_ = 0;
     while (check.table_.size() < packetsToConfirm && check.extendRun()) continue;
     if (check.damaged()) return true;  // nothing to compare with; what is stated holds

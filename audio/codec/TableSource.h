@@ -12,7 +12,7 @@ namespace audio::codec {
 /// is made at once, without decoding, and is then checked by the decoding.
 class TableSource : public StreamSource {
   public:
-    explicit TableSource(const std::filesystem::path& file, FilePart part = {});
+    explicit TableSource(Input input);
 
   private:
     struct Entry {
