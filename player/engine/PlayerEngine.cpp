@@ -20,6 +20,7 @@
 #include "player/engine/RateShare.h"
 #include "player/engine/Transport.h"
 #include "player/engine/Voice.h"
+#include "player/engine/Wake.h"
 
 namespace player {
 namespace {
@@ -89,14 +90,16 @@ class PlayerEngine::Impl {
     audio::dsp::Spectrum spectrum;
 
   private:
-    std::function<void()> later(std::function<void()> call);
     void connectPlayer(int player);
     void followStatus();
     void poll();
 
     PlayerEngine& engine_;
-    QTimer pollTimer_;  // also where the other threads' calls are queued
-    Mixer mixer_;       // knows the voices' places before they are made; asks them for sound later
+    QTimer pollTimer_;
+    Wake newsCame_;  // these three by the voices' and the peaks' threads
+    Wake peaksCame0_;
+    Wake peaksCame1_;
+    Mixer mixer_;  // knows the voices' places before they are made; asks them for sound later
     audio::output::OutputKeeper keeper_;
     RateShare rates_;
     Voice voice0_;
@@ -110,26 +113,22 @@ class PlayerEngine::Impl {
 
 PlayerEngine::Impl::Impl(PlayerEngine& engine, const EngineParts& parts)
     : engine_(engine),
+      newsCame_([this] { poll(); }),
+      peaksCame0_([this] { Q_EMIT engine_.PeaksChanged(0); }),
+      peaksCame1_([this] { Q_EMIT engine_.PeaksChanged(1); }),
       mixer_({&voice0_, &voice1_}),
       keeper_(parts.openDevice, mixer_),
       rates_(keeper_),
-      voice0_(0, store.list(0), parts.openSound, rates_, later([this] { poll(); })),
-      voice1_(1, store.list(1), parts.openSound, rates_, later([this] { poll(); })),
+      voice0_(0, store.list(0), parts.openSound, rates_, std::ref(newsCame_)),
+      voice1_(1, store.list(1), parts.openSound, rates_, std::ref(newsCame_)),
       transport0_(0, store, voice0_),
       transport1_(1, store, voice1_),
-      peaks0_(parts.openSound, later([this] { Q_EMIT engine_.PeaksChanged(0); })),
-      peaks1_(parts.openSound, later([this] { Q_EMIT engine_.PeaksChanged(1); })) {
+      peaks0_(parts.openSound, std::ref(peaksCame0_)),
+      peaks1_(parts.openSound, std::ref(peaksCame1_)) {
     connect(&store, &PlaylistStore::infoChanged, &engine_, &PlayerEngine::ItemInfoChanged);
     connect(&pollTimer_, &QTimer::timeout, &pollTimer_, [this] { poll(); });
     pollTimer_.setInterval(kPollMs);
     forBoth([this](int player) { connectPlayer(player); });
-}
-
-/// A call that any thread may make and that happens on the engine's.
-std::function<void()> PlayerEngine::Impl::later(std::function<void()> call) {
-    return [this, call = std::move(call)] {
-        QMetaObject::invokeMethod(&pollTimer_, call, Qt::QueuedConnection);
-    };
 }
 
 void PlayerEngine::Impl::connectPlayer(int player) {

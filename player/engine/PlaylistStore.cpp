@@ -40,10 +40,7 @@ QString formatDuration(std::int64_t milliseconds) {
 }
 
 PlaylistStore::PlaylistStore(QObject* parent)
-    : QObject(parent), reader_([this] {
-          QMetaObject::invokeMethod(
-              this, [this] { deliver(); }, Qt::QueuedConnection);
-      }) {
+    : QObject(parent), resultsCame_([this] { deliver(); }), reader_(std::ref(resultsCame_)) {
     delivery_.setSingleShot(true);
     connect(&delivery_, &QTimer::timeout, this, &PlaylistStore::deliver);
 }

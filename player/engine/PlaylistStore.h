@@ -12,6 +12,7 @@
 
 #include "player/engine/ItemInfoReader.h"
 #include "player/engine/Playlist.h"
+#include "player/engine/Wake.h"
 
 namespace player {
 
@@ -52,6 +53,7 @@ class PlaylistStore : public QObject {
 
     std::array<Playlist, kPlayers> lists_;
     QTimer delivery_;
+    Wake resultsCame_;  // by the reader's threads
     ItemInfoReader reader_;
 };
 
