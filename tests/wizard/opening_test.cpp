@@ -3,10 +3,14 @@
 #include <memory>
 
 #include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QLineEdit>
 #include <QListView>
 #include <QPointer>
 
 #include "app/frmMain.h"
+#include "effects/engine/AudioEditor.h"
 #include "platform/Paths.h"
 #include "tests/support/Answers.h"
 #include "tests/support/Fixtures.h"
@@ -115,6 +119,40 @@ TEST_F(OpeningWizard, ClosesWithTheMainWindow) {
     ASSERT_TRUE(support::waitFor([this] { return wizard() != nullptr; }));
     main->close();
     EXPECT_TRUE(support::waitFor([this] { return !wizard(); }));
+}
+
+TEST_F(OpeningWizard, ClosingTheMainWindowDuringARunEndsItAfterTheFileInHand) {
+    support::TempFolder folder;
+    const QString sound = folder.file(u"long1.wav"_s);
+    ASSERT_EQ(
+        support::run(u"ffmpeg"_s, {u"-nostdin"_s, u"-loglevel"_s, u"error"_s, u"-f"_s, u"lavfi"_s,
+                                   u"-i"_s, u"sine=frequency=300:sample_rate=44100:duration=90"_s,
+                                   u"-ac"_s, u"2"_s, sound})
+            .exitCode,
+        0);
+    ASSERT_TRUE(QFile::link(sound, folder.file(u"long2.wav"_s)));
+    main->openPaths({sound, folder.file(u"long2.wav"_s)});
+    answerMessageBox(QMessageBox::Yes);
+    choose();
+    ASSERT_TRUE(support::waitFor([this] { return wizard() != nullptr; }));
+    const QPointer<wizard::frmFadeWizard2> form = wizard();
+    ASSERT_TRUE(QDir(folder.file({})).mkpath(u"out"_s));
+    support::find<QLineEdit>(*form, "txtPath").setText(folder.file(u"out/"_s));
+    bool closed = false;
+    QObject::connect(&support::find<effects::AudioEditor>(*form, "AudioEditor1"),
+                     &effects::AudioEditor::Progress, form, [&](int) {
+                         if (std::exchange(closed, true)) return;
+                         answerMessageBox(QMessageBox::No);  // "save the playlist?"
+                         main->close();
+                     });
+    support::click(*form, "Button7");
+    EXPECT_TRUE(closed);
+    EXPECT_TRUE(support::waitFor([&] {
+        support::settle();
+        return form.isNull();
+    }));
+    EXPECT_EQ(QDir(folder.file(u"out"_s)).entryList(QDir::Files | QDir::Hidden),
+              QStringList{u"long1.wav"_s});
 }
 
 }  // namespace
