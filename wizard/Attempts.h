@@ -2,8 +2,10 @@
 #pragma once
 
 #include <exception>
+#include <utility>
 
 #include "wizard/Host.h"
+#include "wizard/Naming.h"
 
 namespace wizard {
 
@@ -11,7 +13,7 @@ namespace wizard {
 /// is passed over. The host hears of the first one, which is the cause of those that follow.
 class Attempts {
   public:
-    explicit Attempts(Host& host) : host_(host) {}
+    Attempts(Host& host, const QString& path) : host_(host), name_(bareName(path)) {}
 
     /// Takes a step; false where it failed.
     template <typename Step>
@@ -20,14 +22,20 @@ class Attempts {
             step();
             return true;
         } catch (const std::exception& error) {
-            if (!reported_) host_.stepFailed(QString::fromUtf8(error.what()));
-            reported_ = true;
+            report(QString::fromUtf8(error.what()));
             return false;
         }
     }
 
   private:
+    void report(const QString& sentence) {
+        if (std::exchange(reported_, true)) return;
+        const bool named = sentence.contains(name_);
+        host_.stepFailed(named ? sentence : name_ + QStringLiteral(": ") + sentence);
+    }
+
     Host& host_;
+    QString name_;
     bool reported_ = false;
 };
 

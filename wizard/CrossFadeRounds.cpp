@@ -37,7 +37,7 @@ void CrossFadeRounds::cutHead(int index) {
     host_.selectResult(index);
     const QString path = result(index);
     const QString head = headFile(host_.options().targetPath, index, path);
-    Attempts attempt(host_);
+    Attempts attempt(host_, path);
     attempt([&] { editor_.Load(path); });
     editor_.SetSelectionActive(false);
     editor_.SetSelectionActive(true);
@@ -63,7 +63,7 @@ void CrossFadeRounds::mixHeads() {
 bool CrossFadeRounds::mixHead(int index) {
     host_.selectResult(index);
     const QString path = result(index);
-    Attempts attempt(host_);
+    Attempts attempt(host_, path);
     attempt([&] { editor_.Load(path); });
     editor_.SetSelectionActive(false);
     editor_.SetSelectionActive(true);

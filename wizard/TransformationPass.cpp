@@ -64,7 +64,7 @@ void TransformationPass::transformAll() {
 
 void TransformationPass::transform(const QString& path) {
     const Options options = host_.options();
-    Attempts attempt(host_);
+    Attempts attempt(host_, path);
     session_.originals.add(path);
     attempt([&] { editor_.Load(path); });
     host_.showStatus(texts::StatusApplying.toString());
