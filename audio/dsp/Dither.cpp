@@ -30,7 +30,7 @@ Integer limited(float value, float low, float high) {
 
 void storeDithered8(std::span<const float> samples, std::uint64_t index, std::byte* bytes) {
     for (const float sample : samples) {
-        const float noise = sample == 0.0F ? 0.0F : ditherNoise(index, sample);
+        const float noise = sample == 0.0F ? 0.0F : ditherNoise(index);
         const int value = limited<std::int16_t>(sample * 128.0F + noise, -128.0F, 127.0F);
         *bytes++ = static_cast<std::byte>(value + 128);
         ++index;
@@ -39,7 +39,7 @@ void storeDithered8(std::span<const float> samples, std::uint64_t index, std::by
 
 void storeDithered16(std::span<const float> samples, std::uint64_t index, std::byte* bytes) {
     for (const float sample : samples) {
-        const float noise = sample == 0.0F ? 0.0F : ditherNoise(index, sample);
+        const float noise = sample == 0.0F ? 0.0F : ditherNoise(index);
         const auto value = limited<std::int16_t>(sample * 32768.0F + noise, -32768.0F, 32767.0F);
         std::memcpy(bytes, &value, 2);
         bytes += 2;
@@ -117,9 +117,8 @@ std::size_t bytesPerSample(PcmFormat format) {
     return 0;
 }
 
-float ditherNoise(std::uint64_t sampleIndex, float sample) {
-    const std::uint64_t value = std::bit_cast<std::uint32_t>(sample);
-    const std::uint64_t bits = scramble(seed ^ sampleIndex ^ value << 32);
+float ditherNoise(std::uint64_t sampleIndex) {
+    const std::uint64_t bits = scramble(seed ^ sampleIndex);
     constexpr float scale = 1.0F / 4294967296.0F;
     // The difference of two even distributions over [0, 1) is the triangular one over (−1, 1).
     return (static_cast<float>(static_cast<std::uint32_t>(bits)) -

@@ -12,10 +12,10 @@ enum class PcmFormat { U8, S16, S24, S32, F32, F64 };
 
 std::size_t bytesPerSample(PcmFormat format);
 
-/// Triangular noise in (−1, +1) least significant bits for a sample of this index and value. It is
-/// drawn from a fixed seed and these two, so the same edit writes the same bytes however the sound
-/// is cut into blocks, while one edit after another does not add the same noise again and again.
-float ditherNoise(std::uint64_t sampleIndex, float sample);
+/// Triangular noise in (−1, +1) least significant bits for the sample of this index. It is drawn
+/// from a fixed seed and the index alone, so the same edit writes the same bytes however the sound
+/// is cut into blocks.
+float ditherNoise(std::uint64_t sampleIndex);
 
 /// Writes samples as integers or floats. Integers are rounded to nearest and limited to full scale,
 /// never wrapped; those of 16 or fewer bits get triangular dither of one bit, but digital silence

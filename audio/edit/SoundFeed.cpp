@@ -2,6 +2,7 @@
 #include "audio/edit/SoundFeed.h"
 
 #include <algorithm>
+#include <bit>
 
 #include "audio/dsp/Dither.h"
 #include "audio/edit/EditReader.h"
@@ -35,7 +36,7 @@ dsp::PcmFormat pcmFormatOf(codec::SampleType type) {
 void addDither(std::span<float> samples, int bits, std::uint64_t firstIndex) {
     const float step = 1.0F / static_cast<float>(1 << (bits - 1));
     for (float& sample : samples) {
-        if (sample != 0.0F) sample += step * dsp::ditherNoise(firstIndex, sample);
+        if (sample != 0.0F) sample += step * dsp::ditherNoise(firstIndex);
         ++firstIndex;
     }
 }
@@ -121,10 +122,22 @@ void SoundFeed::render(const Run& run) {
     }
 }
 
+// Where in the row of noise this sound begins follows from the sound itself: the same edit writes
+// the same bytes, but edit after edit of one file does not add up the same noise.
+std::uint64_t SoundFeed::noiseStart(std::span<const float> first) {
+    if (noiseStart_) return *noiseStart_;
+    std::uint64_t hash = 0xCBF29CE484222325;  // FNV-1a
+    for (const float sample : first)
+        hash = (hash ^ std::bit_cast<std::uint32_t>(sample)) * 0x100000001B3;
+    noiseStart_ = hash;
+    return hash;
+}
+
 void SoundFeed::store(std::span<float> interleaved, bool dithered) {
     const std::size_t channels = static_cast<std::size_t>(job_.output.channels);
     const std::size_t frames = interleaved.size() / channels;
-    const std::uint64_t firstIndex = static_cast<std::uint64_t>(written_) * channels;
+    const std::uint64_t firstIndex =
+        noiseStart(interleaved) + static_cast<std::uint64_t>(written_) * channels;
     if (job_.output.codec == codec::Codec::Pcm) {
         const dsp::PcmFormat format = pcmFormatOf(job_.output.sampleType);
         bytes_.resize(interleaved.size() * dsp::bytesPerSample(format));

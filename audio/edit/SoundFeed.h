@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -32,6 +33,7 @@ class SoundFeed {
     void copyPcm(const Run& run);
     void render(const Run& run);
     void store(std::span<float> interleaved, bool dithered);
+    std::uint64_t noiseStart(std::span<const float> first);
 
     const SaveJob& job_;
     codec::Encoder& encoder_;
@@ -40,6 +42,7 @@ class SoundFeed {
     bool converts_;             ///< rate or channels change
     int bits_;                  ///< of the output's integers; 0 where it has none
     std::int64_t written_ = 0;  ///< frames
+    std::optional<std::uint64_t> noiseStart_;
     std::vector<std::byte> bytes_;
 };
 

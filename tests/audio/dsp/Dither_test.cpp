@@ -27,7 +27,7 @@ TEST(Dither, IsTriangularWithinOneBit) {
     float highest = 0;
     constexpr int count = 200000;
     for (int i = 0; i < count; ++i) {
-        const float noise = ditherNoise(static_cast<std::uint64_t>(i), 0.25F);
+        const float noise = ditherNoise(static_cast<std::uint64_t>(i));
         sum += noise;
         square += static_cast<double>(noise) * noise;
         lowest = std::min(lowest, noise);
