@@ -340,6 +340,7 @@ void PlayerEngine::ReleaseFile(const QString& path) {
 void PlayerEngine::AcquireFile(const QString& path) {
     const QString file = QFileInfo(path).absoluteFilePath();
     impl_->forBoth([&](int player) { impl_->voice(player).acquire(file); });
+    impl_->store.readAgain(path);
 }
 
 QString PlayerEngine::LastError() const {

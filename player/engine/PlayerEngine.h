@@ -147,7 +147,7 @@ class PlayerEngine : public QObject {
     bool Spectrum(std::int16_t player, std::span<float> bands) const;
 
     /// Closes every handle the engine has on a file and keeps the place; AcquireFile opens it again
-    /// and goes on there. Pairs, through FileRelease.
+    /// and goes on there, and reads title and duration anew. Pairs, through FileRelease.
     void ReleaseFile(const QString& path);
     void AcquireFile(const QString& path);
 

@@ -92,6 +92,14 @@ void PlaylistStore::prefer(int player, int first, int last) {
     reader_.prefer(ids);
 }
 
+void PlaylistStore::readAgain(const QString& path) {
+    std::vector<ItemInfoReader::Item> items;
+    for (int player = 0; player < kPlayers; ++player)
+        for (const Entry& entry : list(player).entries())
+            if (entry.path == path) items.push_back({player, entry.id, entry.path});
+    if (!items.empty()) reader_.request(items, true);
+}
+
 void PlaylistStore::readInfo(int player, const std::vector<Entry>& entries, bool first) {
     std::vector<ItemInfoReader::Item> items;
     for (const Entry& entry : entries)

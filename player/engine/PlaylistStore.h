@@ -38,6 +38,9 @@ class PlaylistStore : public QObject {
     void insert(int player, const QStringList& paths, int index);
     QString info(int player, int index, int kind) const;
     void prefer(int player, int first, int last);
+    /// Reads title and duration anew of every entry of this path, which was written over. Raises
+    /// infoChanged where they differ.
+    void readAgain(const QString& path);
     /// What the decoder found out. Raises infoChanged.
     void correctDuration(int player, EntryId id, std::int64_t milliseconds);
 
