@@ -49,6 +49,11 @@ void EffectsHost::clearRowMarks() {
     parts_.ui.ListView1->clearMarks();
 }
 
+void EffectsHost::replaceFile(const QString& path, const std::function<void()>& work) {
+    const player::FileRelease released(parts_.engine, path);
+    work();
+}
+
 // The rows are made anew after every change of the list; what failed is known by its file.
 void EffectsHost::markAgain() {
     if (failed_.isEmpty()) return;

@@ -45,6 +45,7 @@ class EffectsHost : public effects::RunnerHost {
     QString entryName(int entry) const override;
     void markRow(int row, const QString& reason) override;
     void clearRowMarks() override;
+    void replaceFile(const QString& path, const std::function<void()>& work) override;
     void setBarVisible(bool visible) override;
     void setBarMaximum(int maximum) override;
     void setBarValue(int value) override;

@@ -82,7 +82,8 @@ void BatchRunner::save() {
     if (saving_ || (running_ && phase_ != saving)) return;
     const QScopedValueRollback busy(saving_, true);
     host_.yield();
-    attempt([this] { host_.editor().Save(host_.fileName(), true, 0); });
+    const QString path = host_.fileName();
+    attempt([&] { host_.replaceFile(path, [&] { host_.editor().Save(path, true, 0); }); });
     host_.yield();
 }
 

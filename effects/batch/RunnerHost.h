@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <functional>
+
 #include <QString>
 
 namespace effects {
@@ -23,6 +25,9 @@ class RunnerHost {
     /// Marks a row as failed, the reason as its tooltip, until clearRowMarks().
     virtual void markRow(int row, const QString& reason) = 0;
     virtual void clearRowMarks() = 0;
+
+    /// Does the work, which replaces this file, while the player holds no handle on it.
+    virtual void replaceFile(const QString& path, const std::function<void()>& work) = 0;
 
     // The bar and the lines of text.
     virtual void setBarVisible(bool visible) = 0;

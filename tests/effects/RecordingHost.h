@@ -26,6 +26,10 @@ class RecordingRunnerHost : public effects::RunnerHost {
     QString entryName(int entry) const override { return QStringLiteral("%1.wav").arg(entry); }
     void markRow(int row, const QString& reason) override { marks[row] = reason; }
     void clearRowMarks() override { marks.clear(); }
+    void replaceFile(const QString& path, const std::function<void()>& work) override {
+        released << path;
+        work();
+    }
     void setBarVisible(bool visible) override { log(visible ? "show bar" : "hide bar"); }
     void setBarMaximum(int maximum) override { log("bar maximum", maximum); }
     void setBarValue(int value) override { log("bar", value); }
@@ -69,6 +73,7 @@ class RecordingRunnerHost : public effects::RunnerHost {
     std::set<int> selected;
     QMap<int, QString> marks;
     std::vector<double> fractions;
+    QStringList released;
     QString name;
     bool stopFails = false;
     bool closed = false;

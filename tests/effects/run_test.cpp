@@ -344,6 +344,33 @@ TEST_F(EffectRun, ARunStopsThePlayerFirst) {
     EXPECT_NEAR(peakOf(soundOf(file)), 0.5, dithered);
 }
 
+TEST_F(EffectRun, TheListShowsTheNewDuration) {
+    add("tone.ogg");
+    ASSERT_TRUE(waitFor([&] { return list().subItem(1, 1) == u"0:02"_s; }));
+    select({1});
+    choose("mnuAdd_Silence_end");
+    slider(dialog("frmEffects")).setValue(5000);
+    apply(dialog("frmEffects"));
+    EXPECT_TRUE(waitFor([&] { return list().subItem(1, 1) == u"0:07"_s; }));
+}
+
+TEST_F(EffectRun, SavingWhatIsPlayedKeepsItPlaying) {
+    const QString file = add("music.wav");
+    select({1});
+    choose("mnuNormalize_selected");
+    apply(dialog("frmEffects"));
+    auto& engine = find<player::PlayerEngine>(*window, "PlayerEngine1");
+    engine.PlaylistPlayItem(0, 0);
+    ASSERT_TRUE(waitFor([&] { return engine.GetPosition(0) > 300; }));
+    click(*window, "Button12");
+    EXPECT_EQ(engine.GetPlayerStatus(0), player::StatusPlaying);
+    const int place = engine.GetPosition(0);
+    EXPECT_GT(place, 0);
+    EXPECT_TRUE(waitFor([&] { return engine.GetPosition(0) > place + 300; }));
+    EXPECT_NEAR(peakOf(soundOf(file)), 0.5, dithered);
+    engine.StopPlayer(0);
+}
+
 TEST_F(EffectRun, NamesOfEveryKindAreNamesLikeOthers) {
     const QStringList names{u"two  blanks.wav"_s, u"it's \"quoted\".wav"_s, u"Æther – 音楽 ♫.wav"_s,
                             u"100% & <b>bold.wav"_s, u"-n.wav"_s};

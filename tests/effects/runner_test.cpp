@@ -85,6 +85,12 @@ TEST_F(Runner, TakesItsStepsInOrder) {
     EXPECT_EQ(host.name, u"/music/1.wav"_s);
 }
 
+TEST_F(Runner, ThePlayerLetsGoOfEachFileThatIsReplaced) {
+    list(2, {1, 2});
+    runner.run(job);
+    EXPECT_EQ(host.released, (QStringList{u"/music/0.wav"_s, u"/music/1.wav"_s}));
+}
+
 TEST_F(Runner, ResetsModeAndCountAtTheEnd) {
     list(2, {1, 2});
     runner.run(job);
