@@ -128,6 +128,7 @@ void Input::chooseStream() {
 
 bool Input::read(AVPacket& packet) {
     for (int bad = 0; bad < mostBadPackets;) {
+        av_packet_unref(&packet);
         const int error = av_read_frame(context_.get(), &packet);
         if (error == AVERROR_INVALIDDATA || error == AVERROR(EAGAIN)) {
             ++bad;
@@ -135,7 +136,6 @@ bool Input::read(AVPacket& packet) {
         }
         if (error < 0) return false;
         if (packet.stream_index == stream_->index) return true;
-        av_packet_unref(&packet);
     }
     return false;
 }

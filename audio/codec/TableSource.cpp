@@ -165,7 +165,6 @@ bool TableSource::build() {
         sum += framesIn(*packet_, built.empty());
         entry.end = std::max<std::int64_t>(0, sum);
         built.push_back(entry);
-        av_packet_unref(packet_.get());
     }
     if (!confirmedByDecoding(built)) {
         block_ = 0;
