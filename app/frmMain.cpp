@@ -7,9 +7,11 @@
 #include <QCloseEvent>
 #include <QDir>
 #include <QFile>
+#include <QScreen>
 #include <QTimer>
 
 #include "app/EffectsHost.h"
+#include "app/Glyphs.h"
 #include "app/HandoffHost.h"
 #include "app/Skin.h"
 #include "effects/batch/BatchRunner.h"
@@ -30,6 +32,8 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace app {
 namespace {
+
+constexpr int titleBarRoom = 40;
 
 template <class Part>
 Part* named(const QString& name, QObject* owner) {
@@ -57,6 +61,17 @@ player::DisplayColours displayColours() {
     return {skinColour(u"accent"_s), skinColour(u"ahead"_s), skinColour(u"alarm"_s)};
 }
 
+void setGlyphs(const Ui::frmMain& ui) {
+    const std::pair<QAbstractButton*, Glyph> glyphs[] = {
+        {ui.CommandPrev1, Glyph::PreviousTrack}, {ui.CommandNext1, Glyph::NextTrack},
+        {ui.CommandPlay1, Glyph::Play},          {ui.CommandPause1, Glyph::Pause},
+        {ui.CommandStop1, Glyph::Stop},          {ui.CommandMoveUp1, Glyph::Up},
+        {ui.CommandMoveDown1, Glyph::Down}};
+    for (const auto& [button, glyph] : glyphs) {
+        button->setIcon(glyphIcon(glyph, skinColour(u"text"_s), skinColour(u"disabled"_s)));
+    }
+}
+
 }  // namespace
 
 frmMain::frmMain(QWidget* parent)
@@ -68,6 +83,7 @@ frmMain::frmMain(QWidget* parent)
       Timer1(named<QTimer>(u"Timer1"_s, this)),
       Timer2(named<QTimer>(u"Timer2"_s, this)) {
     ui_->setupUi(this);
+    setGlyphs(*ui_);
     ui_->ListView1->setColumns({u"Track"_s, u"Duration"_s, u"Title"_s});
     ui_->ListView2->setColumns({u"Index"_s, u"Duration"_s, u"Title"_s});
     list_ = std::make_unique<playlist::PlaylistCommands>(*PlayerEngine1, *CommonDialog1);
@@ -103,6 +119,8 @@ void frmMain::Form_Load() {
     displays_->show(0, true);
     PlayerEngine1->SetPlayerFlag(0, true);
     PlayerEngine1->SetPlayerFlag(1, true);
+    // At a high scaling the screen may be smaller than the window would like to be.
+    resize(size().boundedTo(screen()->availableSize() - QSize(0, titleBarRoom)));
     ui_->ListView1->setColumnCharacters(0, 8);
     ui_->ListView1->setColumnCharacters(1, 10);
     Timer1->start(std::chrono::milliseconds(500));
