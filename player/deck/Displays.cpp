@@ -99,10 +99,11 @@ void Displays::moveMarker() {
         heard_ = QImage();
         return waveform_->update();
     }
-    const auto [left, right] =
-        std::minmax(markerX(share_, waveform_->width()), markerX(share, waveform_->width()));
+    const int from = markerX(share_, waveform_->width());
+    const int to = markerX(share, waveform_->width());
     share_ = share;
-    if (left != right) waveform_->update(left - 2, 0, right - left + 5, waveform_->height());
+    if (from == to) return;
+    waveform_->update(std::min(from, to) - 2, 0, std::abs(to - from) + 5, waveform_->height());
 }
 
 void Displays::moveBars() {

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <fstream>
 
+#include <QScreen>
+
 #include "tests/support/MainWindow.h"
 #include "widgets/SkinSlider.h"
 
@@ -255,6 +257,27 @@ TEST_F(DeckTest, TheDisplaysDrawWhilePlaying) {
         }
         return false;
     })) << "the play position in the middle";
+}
+
+// What is on the screen, not a fresh picture of the control: only what moved is painted anew.
+TEST_F(DeckTest, ThePlayPositionMovesOnTheScreen) {
+    QWidget& waveform = find<QWidget>(*window, "PictureWaveform1");
+    const QColor red = app::skinColour(u"alarm"_s);
+    const auto markerOnScreen = [&] {
+        const QPoint corner = waveform.mapTo(window.get(), QPoint(0, 0));
+        const QImage image = window->screen()
+                                 ->grabWindow(window->winId(), corner.x(), corner.y(),
+                                              waveform.width(), waveform.height())
+                                 .toImage();
+        for (int x = 0; x < image.width(); ++x) {
+            if (image.pixelColor(x, 3) == red) return x;
+        }
+        return -1;
+    };
+    press("CommandPlay1");
+    ASSERT_TRUE(heardRow(1));
+    EXPECT_TRUE(waitFor([&] { return markerOnScreen() >= 40; })) << markerOnScreen();
+    EXPECT_NEAR(markerOnScreen(), position() * waveform.width() / 100, 25);
 }
 
 TEST_F(DeckTest, FadeAndOverlayPlayBothPlayersAndStopEndsBoth) {
