@@ -196,3 +196,26 @@ TEST_F(CopyCommands, TheWindowLivesDuringALongCopy) {
     EXPECT_EQ(fs::file_size(elsewhere.path() / "long.bin"), 256'000'000U);
     EXPECT_THAT(namesIn(elsewhere.path()), ElementsAre("long.bin", "temp.m3u", "two.mp3"));
 }
+
+// The file in hand is completed; nothing follows it, and nobody is told anything any more.
+TEST_F(CopyCommands, ClosingTheWindowEndsTheCopyWithTheFileInHand) {
+    writeFile(folder / "music/long.bin", noise(1));
+    fs::resize_file(folder / "music/long.bin", 256'000'000);
+    open({u"music/long.bin"_s, u"music/two.mp3"_s});
+    const FolderElsewhere elsewhere(folder.path());
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, &watch, [&] {
+        if (namesIn(elsewhere.path()).size() < 2) return;
+        watch.stop();
+        window.close();
+    });
+    watch.start(1);
+    answerFileDialog(platform::toQString(elsewhere.path()));
+    const auto question = answerMessageBox(QMessageBox::No);
+    chooseFromMenu(window, "Button1", "mnu_copy2folder");
+    ASSERT_TRUE(allAnswered());
+    EXPECT_EQ(question->title, u"Save playlist?"_s);
+    EXPECT_THAT(namesIn(elsewhere.path()), ElementsAre("long.bin", "temp.m3u"));
+    EXPECT_EQ(fs::file_size(elsewhere.path() / "long.bin"), 256'000'000U);
+    EXPECT_EQ(entries().value(1), at(u"music/two.mp3"_s));
+}
