@@ -14,6 +14,8 @@ namespace {
 // A multiple of 49 frames: after so many, the padding of every bit-rate at 44.1 kHz and its halves
 // begins anew, so that chunks that start there carry it on.
 constexpr std::int64_t chunkFrames = 49 * 20;
+// A region too short for two such chunks, but not shorter than this, is halved: two cores share it.
+constexpr std::int64_t shortestHalved = 300;
 // How far a chunk's frames run on into the next one's, for a place where both fit.
 constexpr std::int64_t overlapFrames = 32;
 // Frames after which an encoder has forgotten that it started here; the reservoir takes longest.
@@ -58,17 +60,24 @@ std::int64_t encoderStart(const Geometry& geometry, std::int64_t start, std::int
     return -((geometry.codecDelay + geometry.frame - 1) / geometry.frame);
 }
 
+// Never of the number of threads: the bytes must not depend on it.
+std::int64_t chunkLength(std::int64_t region) {
+    if (region >= chunkFrames + chunkFrames / 2 || region < shortestHalved) return chunkFrames;
+    return (region + 1) / 2;
+}
+
 }  // namespace
 
 std::vector<ChunkPlan> planChunks(const EncoderSettings& settings, std::int64_t start,
                                   std::int64_t first, std::int64_t end) {
     const Geometry geometry = Geometry::of(settings.layer, settings.samplesPerFrame());
     std::vector<ChunkPlan> plans;
+    const std::int64_t usual = chunkLength(end - first);
     std::int64_t from = first;
     while (from < end) {
         // A short rest goes with the chunk before.
-        const bool last = end - from < chunkFrames + chunkFrames / 2;
-        const std::int64_t to = last ? end : from + chunkFrames;
+        const bool last = end - from < usual + usual / 2;
+        const std::int64_t to = last ? end : from + usual;
         ChunkPlan plan;
         plan.first = from;
         plan.end = last ? end : to + overlapFrames;

@@ -60,6 +60,16 @@ void setQuality(const FrameIndex& index, EncoderSettings& settings) {
     settings.quality = std::min(settings.quality, 9.9);
 }
 
+// Layer I has bit-rates that Layer II lacks.
+int nearestLayerTwo(const FrameHeader& header) {
+    int best = 0;
+    for (int index = 1; index <= 14; ++index) {
+        const int rate = FrameHeader::bitRateOf(header.version, 2, index);
+        if (std::abs(rate - header.bitRate) < std::abs(best - header.bitRate)) best = rate;
+    }
+    return best;
+}
+
 void reportNothing(double) {}
 
 std::function<void(double)> progressOf(const SpliceOptions& options) {
@@ -121,7 +131,7 @@ EncoderSettings settingsOf(const FrameIndex& index) {
     settings.mode = header.mode;
     settings.crc = settings.layer == 3 && header.crc;
     settings.rate = rateOf(index);
-    settings.bitRate = header.bitRate;
+    settings.bitRate = header.layer == 1 ? nearestLayerTwo(header) : header.bitRate;
     if (settings.rate == EncoderSettings::Rate::Average || header.freeFormat()) {
         settings.bitRate = static_cast<int>((index.averageBitRate() + 500) / 1000 * 1000);
     }
