@@ -8,6 +8,7 @@
 #include <QLineEdit>
 #include <QListView>
 #include <QPointer>
+#include <QTimer>
 
 #include "app/frmMain.h"
 #include "effects/engine/AudioEditor.h"
@@ -119,6 +120,17 @@ TEST_F(OpeningWizard, ClosesWithTheMainWindow) {
     ASSERT_TRUE(support::waitFor([this] { return wizard() != nullptr; }));
     main->close();
     EXPECT_TRUE(support::waitFor([this] { return !wizard(); }));
+}
+
+TEST_F(OpeningWizard, UnloadsEveryFormAndEndsTheProgram) {
+    load({u"tone.mp3"_s});
+    answerMessageBox(QMessageBox::Yes);
+    choose();
+    ASSERT_TRUE(support::waitFor([this] { return wizard() != nullptr; }));
+    QTimer::singleShot(0, [] { wizard::frmFadeWizard2::unloadallforms(); });
+    EXPECT_EQ(QApplication::exec(), 0);
+    EXPECT_FALSE(wizard());
+    EXPECT_FALSE(main->isVisible());
 }
 
 TEST_F(OpeningWizard, ClosingTheMainWindowDuringARunEndsItAfterTheFileInHand) {
