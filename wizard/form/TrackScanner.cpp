@@ -2,9 +2,10 @@
 #include "wizard/form/TrackScanner.h"
 
 #include <algorithm>
-#include <cmath>
+#include <vector>
 
 #include "audio/codec/Decoder.h"
+#include "audio/dsp/Peaks.h"
 #include "audio/tags/TrackInfo.h"
 #include "platform/Error.h"
 #include "platform/Paths.h"
@@ -13,13 +14,8 @@ namespace wizard {
 
 namespace {
 
-constexpr int SlicesPerSecond = 10;
-
-float highest(const std::vector<float>& samples, std::size_t count) {
-    float peak = 0;
-    for (std::size_t i = 0; i < count; ++i) peak = std::max(peak, std::abs(samples[i]));
-    return peak;
-}
+constexpr std::size_t Columns = 2000;
+constexpr std::size_t ChunkFrames = 8192;
 
 }  // namespace
 
@@ -57,17 +53,16 @@ void TrackScanner::readLength(const QString& path) {
 
 void TrackScanner::readPeaks(const QString& path) try {
     audio::codec::Decoder decoder(platform::toPath(path));
-    const auto channels = static_cast<std::size_t>(decoder.format().channels);
-    const auto slice = static_cast<std::size_t>(decoder.format().sampleRate / SlicesPerSecond);
-    std::vector<float> samples(slice * channels);
-    TrackScan scan;
-    std::size_t frames = 0;
-    while (const std::size_t read = stopped_ ? 0 : decoder.read(samples.data(), slice)) {
-        scan.peaks.push_back(highest(samples, read * channels));
-        frames += read;
-    }
+    const int channels = decoder.format().channels;
+    audio::dsp::PeakMeter meter(decoder.frames(), channels, Columns);
+    std::vector<float> samples(ChunkFrames * static_cast<std::size_t>(channels));
+    while (const std::size_t read = stopped_ ? 0 : decoder.read(samples.data(), ChunkFrames))
+        meter.add(samples.data(), read);
     if (stopped_) return;
-    scan.seconds = static_cast<double>(frames) / decoder.format().sampleRate;
+    TrackScan scan;
+    scan.seconds = static_cast<double>(decoder.frames()) / decoder.format().sampleRate;
+    for (const auto& column : meter.peaks().columns)
+        scan.peaks << std::max(-column.low, column.high);
     if (!scan.peaks.empty()) scan.peak = *std::ranges::max_element(scan.peaks);
     QMetaObject::invokeMethod(this, [this, path, scan] { keep(path, scan); });
 } catch (const platform::Error&) {

@@ -15,7 +15,7 @@ namespace wizard {
 /// What a preview knows of one file.
 struct TrackScan {
     double seconds = 0;  ///< near at first, exact once the peaks are there; 0 = unknown
-    QList<float> peaks;  ///< highest absolute sample of each tenth of a second
+    QList<float> peaks;  ///< highest absolute sample in each of many equal spans
     float peak = 0;      ///< the highest of them
 };
 
