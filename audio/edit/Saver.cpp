@@ -2,11 +2,13 @@
 #include "audio/edit/Saver.h"
 
 #include <algorithm>
+#include <array>
 
 #include "audio/codec/Decoder.h"
 #include "audio/codec/Encoder.h"
 #include "audio/edit/Resampled.h"
 #include "audio/edit/SoundWriters.h"
+#include "audio/wave/Layout.h"
 #include "platform/Error.h"
 #include "platform/Paths.h"
 
@@ -22,6 +24,17 @@ bool carriesChapters(codec::Container container) {
     return container != codec::Container::Other;
 }
 
+// Compressed sound in a WAV file is written without the model's chunks.
+bool losesChunks(const SaveJob& job) {
+    if (job.output.container != codec::Container::Wav || job.output.codec == codec::Codec::Pcm)
+        return false;
+    static constexpr std::array own{"fmt ", "data", "fact", "ds64", "JUNK", "PAD "};
+    const wave::Layout layout = wave::readLayout(job.source->path());
+    return std::any_of(layout.chunks.begin(), layout.chunks.end(), [](const wave::Chunk& chunk) {
+        return std::find(own.begin(), own.end(), chunk.id) == own.end();
+    });
+}
+
 // What a save would lose it must not begin.
 void requireCarriable(const SaveJob& job) {
     const codec::Contents& contents = job.source->contents();
@@ -30,6 +43,9 @@ void requireCarriable(const SaveJob& job) {
     if (!job.sameFormat()) return;
     if (contents.otherStreams > 0)
         refuse(job, "it holds moving pictures or other data beside the sound");
+    if (job.keepTags && losesChunks(job))
+        refuse(job,
+               "the chunks beside its sound, which is not plain PCM, could not be carried over");
     if (contents.chapters > 0 && !carriesChapters(job.output.container))
         refuse(job, "its chapters could not be carried over");
 }
