@@ -50,7 +50,6 @@ float nearestQuality(const Format& format) {
 
 /// Variable bit-rate with this nominal one, as far as the encoder has it.
 bool setUpNominal(vorbis_info& info, const Format& format) {
-    vorbis_info_init(&info);
     const auto nominal = static_cast<long>(format.bitRate);
     if (nominal > 0 &&
         vorbis_encode_setup_managed(&info, format.channels, format.sampleRate, -1, nominal, -1) ==
@@ -76,52 +75,54 @@ int serialOf(const Format& format, const EncoderOptions& options) {
 VorbisSink::VorbisSink(const std::filesystem::path& file, const Format& format,
                        const EncoderOptions& options)
     : output_(file), channels_(static_cast<std::size_t>(format.channels)) {
-    if (!setUpNominal(info_, format)) {
-        vorbis_info_clear(&info_);
+    if (!setUpNominal(state_.info, format))
         throw fileError(file, "cannot be Ogg Vorbis: that has no such rate or number of channels");
-    }
-    vorbis_comment_init(&comment_);
-    vorbis_analysis_init(&dsp_, &info_);
-    vorbis_block_init(&dsp_, &block_);
-    ogg_stream_init(&stream_, serialOf(format, options));
+    vorbis_analysis_init(&state_.dsp, &state_.info);
+    vorbis_block_init(&state_.dsp, &state_.block);
+    ogg_stream_init(&state_.stream, serialOf(format, options));
     writeHeaders(options);
 }
 
-VorbisSink::~VorbisSink() {
-    ogg_stream_clear(&stream_);
-    vorbis_block_clear(&block_);
-    vorbis_dsp_clear(&dsp_);
-    vorbis_comment_clear(&comment_);
-    vorbis_info_clear(&info_);
+VorbisSink::State::State() {
+    vorbis_info_init(&info);
+    vorbis_comment_init(&comment);
+}
+
+VorbisSink::State::~State() {
+    ogg_stream_clear(&stream);
+    vorbis_block_clear(&block);
+    vorbis_dsp_clear(&dsp);
+    vorbis_comment_clear(&comment);
+    vorbis_info_clear(&info);
 }
 
 void VorbisSink::writeHeaders(const EncoderOptions& options) {
     ogg_packet identification{};
     ogg_packet comment{};
     ogg_packet setup{};
-    vorbis_analysis_headerout(&dsp_, &comment_, &identification, &comment, &setup);
+    vorbis_analysis_headerout(&state_.dsp, &state_.comment, &identification, &comment, &setup);
     std::vector<std::uint8_t> given = options.vorbisComment;
     if (!given.empty()) {
         comment.packet = given.data();
         comment.bytes = static_cast<long>(given.size());
     }
-    ogg_stream_packetin(&stream_, &identification);
+    ogg_stream_packetin(&state_.stream, &identification);
     putPages(true);  // the first page holds nothing else
-    ogg_stream_packetin(&stream_, &comment);
-    ogg_stream_packetin(&stream_, &setup);
+    ogg_stream_packetin(&state_.stream, &comment);
+    ogg_stream_packetin(&state_.stream, &setup);
     putPages(true);  // the sound begins on a page of its own
 }
 
 void VorbisSink::write(const float* interleaved, std::size_t frames) {
     while (frames > 0) {
         const std::size_t count = std::min(frames, blockFrames);
-        float** planes = vorbis_analysis_buffer(&dsp_, static_cast<int>(count));
+        float** planes = vorbis_analysis_buffer(&state_.dsp, static_cast<int>(count));
         for (std::size_t channel = 0; channel < channels_; ++channel) {
             const std::size_t from = channels_ <= 8 ? waveOrder[channels_ - 1][channel] : channel;
             for (std::size_t i = 0; i < count; ++i)
                 planes[channel][i] = interleaved[i * channels_ + from];
         }
-        vorbis_analysis_wrote(&dsp_, static_cast<int>(count));
+        vorbis_analysis_wrote(&state_.dsp, static_cast<int>(count));
         drain();
         interleaved += count * channels_;
         frames -= count;
@@ -129,12 +130,12 @@ void VorbisSink::write(const float* interleaved, std::size_t frames) {
 }
 
 void VorbisSink::drain() {
-    while (vorbis_analysis_blockout(&dsp_, &block_) == 1) {
-        vorbis_analysis(&block_, nullptr);
-        vorbis_bitrate_addblock(&block_);
+    while (vorbis_analysis_blockout(&state_.dsp, &state_.block) == 1) {
+        vorbis_analysis(&state_.block, nullptr);
+        vorbis_bitrate_addblock(&state_.block);
         ogg_packet packet{};
-        while (vorbis_bitrate_flushpacket(&dsp_, &packet) != 0) {
-            ogg_stream_packetin(&stream_, &packet);
+        while (vorbis_bitrate_flushpacket(&state_.dsp, &packet) != 0) {
+            ogg_stream_packetin(&state_.stream, &packet);
             // The first packet gives no sound. On a page of its own it tells every reader that the
             // count begins at 0, also where the whole sound would fit on one page.
             putPages(!begun_);
@@ -145,14 +146,16 @@ void VorbisSink::drain() {
 
 void VorbisSink::putPages(bool flush) {
     ogg_page page{};
-    while ((flush ? ogg_stream_flush(&stream_, &page) : ogg_stream_pageout(&stream_, &page)) != 0) {
+    while ((flush ? ogg_stream_flush(&state_.stream, &page)
+                  : ogg_stream_pageout(&state_.stream, &page)) != 0) {
         output_.append(page.header, static_cast<std::size_t>(page.header_len));
         output_.append(page.body, static_cast<std::size_t>(page.body_len));
     }
 }
 
 void VorbisSink::finish() {
-    vorbis_analysis_wrote(&dsp_, 0);  // the end; the last page's granule states the exact length
+    vorbis_analysis_wrote(&state_.dsp,
+                          0);  // the end; the last page's granule states the exact length
     drain();
     putPages(true);
     output_.close();

@@ -15,9 +15,6 @@ class VorbisSink : public Encoder::Sink {
   public:
     VorbisSink(const std::filesystem::path& file, const Format& format,
                const EncoderOptions& options);
-    ~VorbisSink() override;
-    VorbisSink(const VorbisSink&) = delete;
-    VorbisSink& operator=(const VorbisSink&) = delete;
 
     void write(const float* interleaved, std::size_t frames) override;
     void finish() override;
@@ -30,11 +27,19 @@ class VorbisSink : public Encoder::Sink {
     OutputFile output_;
     std::size_t channels_;
     bool begun_ = false;
-    vorbis_info info_{};
-    vorbis_comment comment_{};
-    vorbis_dsp_state dsp_{};
-    vorbis_block block_{};
-    ogg_stream_state stream_{};
+    /// The libraries' objects, which refer to one another and go together.
+    struct State {
+        State();
+        ~State();
+        State(const State&) = delete;
+        State& operator=(const State&) = delete;
+        vorbis_info info{};
+        vorbis_comment comment{};
+        vorbis_dsp_state dsp{};
+        vorbis_block block{};
+        ogg_stream_state stream{};
+    };
+    State state_;
 };
 
 }  // namespace audio::codec

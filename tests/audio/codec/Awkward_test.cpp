@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Files that are broken, cut, lie about themselves, or are no sound at all.
+#include <fstream>
 #include <random>
 #include <sys/stat.h>
 #include <thread>
@@ -298,6 +299,31 @@ TEST_F(Awkward, DifferentDecodersRunSideBySide) {
     for (std::size_t i = 0; i < results.size(); ++i)
         EXPECT_EQ(support::maxDifference(results[i], i % 2 == 0 ? mp3 : ogg), 0) << i;
 }
+
+#ifndef __SANITIZE_ADDRESS__  // which keeps freed memory, and finds leaks by itself
+// What is read has to be given back, however long the file is.
+TEST_F(Awkward, MemoryDoesNotGrowWithTheSound) {
+    const auto resident = [] {
+        std::ifstream status("/proc/self/statm");
+        long total = 0;
+        long pages = 0;
+        status >> total >> pages;
+        return pages * 4'096;
+    };
+    for (const char* name : {"music.mp3", "music.ogg", "music.wma", "music.flac", "music.wav"}) {
+        Decoder decoder(support::fixture(name));
+        std::vector<float> block(2 * 8'192);
+        const auto playThrough = [&] {
+            decoder.seek(0);
+            while (decoder.read(block.data(), 8'192) > 0) continue;
+        };
+        playThrough();
+        const long before = resident();
+        for (int i = 0; i < 15; ++i) playThrough();
+        EXPECT_LT(resident() - before, 4'000'000) << name;
+    }
+}
+#endif
 
 TEST_F(Awkward, RawBytesAreThoseOfTheFile) {
     for (const char* name :
