@@ -116,6 +116,7 @@ class frmMain : public QWidget {
     void CommandLoad1_Click();
     void Timer2_Timer();
     void PlayerEngine1_ItemInfoChanged(int player, int index);
+    void ListView1_Scrolled();
     void ListView1_FilesDropped(const QList<QUrl>& urls, int row);
     void insertPaths(const QStringList& paths, int row);
 

@@ -89,6 +89,7 @@ void frmMain::connectEvents() {
             &frmMain::PictureWaveform1_Pointed);
     connect(ui_->ListView1, &widgets::ListView::rowDoubleClicked, this,
             &frmMain::ListView1_DblClick);
+    connect(ui_->ListView1, &widgets::ListView::scrolled, this, &frmMain::ListView1_Scrolled);
     connect(ui_->ListView1, &widgets::ListView::filesDropped, this,
             &frmMain::ListView1_FilesDropped);
     using player::PlayerEngine;

@@ -78,6 +78,10 @@ void frmMain::PlayerEngine1_ItemInfoChanged(int player, int index) {
     if (player == 0) list_->updateRow(0, *ui_->ListView1, index + 1);
 }
 
+void frmMain::ListView1_Scrolled() {
+    list_->PreferShownRows(0, *ui_->ListView1);
+}
+
 void frmMain::ListView1_FilesDropped(const QList<QUrl>& urls, int row) {
     if (!ui_->CommandAddSong1->isEnabled()) return;
     QStringList paths;

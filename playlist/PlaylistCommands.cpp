@@ -35,6 +35,7 @@ void PlaylistCommands::FillPlayListView(std::int16_t player, widgets::ListView& 
                         titleOf(engine_, player, i)});
     }
     view.setRows(std::move(rows));
+    PreferShownRows(player, view);
 }
 
 void PlaylistCommands::updateRow(std::int16_t player, widgets::ListView& view, int row) {
@@ -42,6 +43,11 @@ void PlaylistCommands::updateRow(std::int16_t player, widgets::ListView& view, i
     const std::int16_t entry = entryOf(row);
     view.setSubItem(row, 1, engine_.PlaylistGetItemInfo(player, entry, player::ItemInfoDuration));
     view.setSubItem(row, 2, titleOf(engine_, player, entry));
+}
+
+void PlaylistCommands::PreferShownRows(std::int16_t player, const widgets::ListView& view) {
+    const auto [first, last] = view.shownRows();
+    if (first > 0) engine_.PlaylistPrefer(player, entryOf(first), entryOf(last));
 }
 
 void PlaylistCommands::AddFileToPlaylist(std::int16_t player, widgets::ListView& view) {

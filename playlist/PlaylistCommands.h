@@ -30,6 +30,10 @@ class PlaylistCommands {
     /// Brings one row up to date with what the engine knows now.
     void updateRow(std::int16_t player, widgets::ListView& view, int row);
 
+    /// Has the engine read titles and durations of the rows on screen before all others. After a
+    /// fill this is done already.
+    void PreferShownRows(std::int16_t player, const widgets::ListView& view);
+
     /// Asks for a file and inserts it in front of the selected entry.
     void AddFileToPlaylist(std::int16_t player, widgets::ListView& view);
     void RemoveSelectedEntry(std::int16_t player, widgets::ListView& view);

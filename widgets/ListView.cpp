@@ -8,6 +8,7 @@
 #include <QItemSelection>
 #include <QKeyEvent>
 #include <QMimeData>
+#include <QScrollBar>
 
 #include "widgets/ListModel.h"
 
@@ -30,6 +31,8 @@ ListView::ListView(QWidget* parent) : QTreeView(parent), model_(new ListModel(th
     setTabKeyNavigation(false);
     header()->setSectionsMovable(false);
     connect(model_, &ListModel::modelReset, this, &ListView::refilled);
+    connect(verticalScrollBar(), &QScrollBar::valueChanged, this, &ListView::scrolled);
+    connect(verticalScrollBar(), &QScrollBar::rangeChanged, this, &ListView::scrolled);
     connect(this, &QTreeView::doubleClicked, this,
             [this](const QModelIndex& index) { Q_EMIT rowDoubleClicked(index.row() + 1); });
 }
@@ -98,6 +101,12 @@ void ListView::selectRow(int row) {
 
 void ListView::ensureVisible(int row) {
     if (row >= 1 && row <= rowCount()) scrollTo(at(row));
+}
+
+std::pair<int, int> ListView::shownRows() const {
+    if (rowCount() == 0) return {0, 0};
+    const QModelIndex last = indexAt(QPoint(0, viewport()->height() - 1));
+    return {indexAt(QPoint(0, 0)).row() + 1, last.isValid() ? last.row() + 1 : rowCount()};
 }
 
 bool ListView::isSelected(int row) const {

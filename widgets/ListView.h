@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <utility>
 #include <vector>
 
 #include <QStringList>
@@ -45,6 +46,9 @@ class ListView : public QTreeView {
     void selectRow(int row);
     void ensureVisible(int row);
 
+    /// The first and last row on screen, wholly or in part; 0 and 0 without rows.
+    std::pair<int, int> shownRows() const;
+
     bool isSelected(int row) const;
     void setSelected(int row, bool selected);  ///< leaves the current row and other flags alone
     void setAllSelected(bool selected);
@@ -56,6 +60,7 @@ class ListView : public QTreeView {
 
   Q_SIGNALS:
     void rowDoubleClicked(int row);
+    void scrolled();  ///< other rows came on screen, or more or fewer of them
     void refilled();  ///< all rows were replaced; marks are gone
     /// Files dropped on the list; `row` = the row in front of which they were dropped, rowCount() +
     /// 1 behind the last.
