@@ -3,39 +3,70 @@
 
 #include <algorithm>
 #include <asffile.h>
+#include <cctype>
+#include <cmath>
 #include <exception>
-#include <mpegfile.h>
-#include <mpegproperties.h>
+#include <infotag.h>
+#include <set>
+#include <string>
 #include <system_error>
 #include <wavfile.h>
 #include <wavproperties.h>
-#include <xingheader.h>
 
 #include <fileref.h>
 #include <tag.h>
 
 #include "audio/codec/Decoder.h"
+#include "audio/mpeg/FrameScanner.h"
+#include "audio/mpeg/InfoTag.h"
 
 namespace audio::tags {
 namespace {
 
-/// The bytes of an MPEG file between its tags, or -1.
-std::int64_t soundBytes(TagLib::MPEG::File& file) {
-    const std::int64_t first = file.firstFrameOffset();
-    const std::int64_t last = file.lastFrameOffset();
-    return first < 0 || last <= first ? -1 : last - first;
+/// In milliseconds; -1 where no frame is found. The Info or Xing tag states frames and bytes of the
+/// sound that the encoder wrote; the share of those bytes that the file really holds is the share
+/// of the duration. Without one, the first frame's bit-rate stands for all.
+std::int64_t mpegDuration(mpeg::FrameScanner& scanner) {
+    const auto first = scanner.next();
+    if (!first) return -1;
+    const mpeg::FrameHeader& header = first->header;
+    const double bytes = double(scanner.tags().trailingStart - first->offset);
+    const auto tag = mpeg::InfoTag::parse(header, scanner.bytes(*first));
+    if (!tag || !tag->frames)
+        return header.bitRate > 0 ? std::int64_t(bytes * 8000 / header.bitRate) : -1;
+    const double samples =
+        double(*tag->frames) * header.samples() - tag->delay.value_or(0) - tag->padding.value_or(0);
+    const double claimed = std::max(0.0, samples * 1000 / header.sampleRate);
+    const double stated = double(tag->bytes.value_or(0));
+    const bool whole = stated == 0 || std::abs(bytes - stated) * 50 < stated;
+    return std::int64_t(whole ? claimed : claimed * bytes / stated);
 }
 
-/// The Xing header states frames and bytes of the sound that the encoder wrote. The share of those
-/// bytes that the file really holds is the share of the duration.
-std::int64_t mpegDuration(TagLib::MPEG::File& file, std::int64_t claimed) {
-    const TagLib::MPEG::Properties* properties = file.audioProperties();
-    const TagLib::MPEG::XingHeader* header = properties ? properties->xingHeader() : nullptr;
-    if (!header || !header->isValid() || header->totalSize() == 0) return claimed;
-    const std::int64_t bytes = soundBytes(file);
-    const std::int64_t stated = header->totalSize();
-    if (bytes < 0 || std::abs(bytes - stated) * 50 < stated) return claimed;
-    return std::int64_t(double(claimed) * double(bytes) / double(stated));
+bool isNamedMpeg(const std::filesystem::path& path) {
+    std::string extension = path.extension().string();
+    for (char& letter : extension) letter = char(std::tolower(static_cast<unsigned char>(letter)));
+    static const std::set<std::string> names = {".mp1", ".mp2", ".mp3", ".mpa", ".mpga"};
+    return names.contains(extension);
+}
+
+/// TagLib is asked for the title alone: looking for frames, it takes minutes over a file of zeros.
+TrackInfo mpegInfo(const std::filesystem::path& path) {
+    mpeg::FileReader reader(path);
+    mpeg::FrameScanner scanner(reader);
+    TrackInfo info;
+    info.durationMs = mpegDuration(scanner);
+    if (info.durationMs < 0 && scanner.tags().leadingEnd == 0) return info;
+    const TagLib::FileRef file(path.c_str(), false);
+    if (!file.isNull() && file.tag()) info.title = file.tag()->title().to8Bit(true);
+    return info;
+}
+
+/// A WAV file's title stands in an ID3v2 chunk or, more often, in a LIST INFO chunk.
+std::string titleOf(const TagLib::FileRef& file) {
+    TagLib::String title = file.tag() ? file.tag()->title() : TagLib::String();
+    auto* wav = dynamic_cast<TagLib::RIFF::WAV::File*>(file.file());
+    if (title.isEmpty() && wav && wav->InfoTag()) title = wav->InfoTag()->title();
+    return title.to8Bit(true);
 }
 
 std::int64_t wavDuration(TagLib::RIFF::WAV::File& file, std::int64_t claimed) {
@@ -56,8 +87,6 @@ std::int64_t durationOf(const TagLib::FileRef& file) {
     const TagLib::AudioProperties* properties = file.audioProperties();
     const std::int64_t claimed = properties ? properties->lengthInMilliseconds() : 0;
     if (claimed <= 0) return -1;
-    if (auto* mpeg = dynamic_cast<TagLib::MPEG::File*>(file.file()))
-        return mpegDuration(*mpeg, claimed);
     if (auto* wav = dynamic_cast<TagLib::RIFF::WAV::File*>(file.file()))
         return wavDuration(*wav, claimed);
     if (auto* asf = dynamic_cast<TagLib::ASF::File*>(file.file()))
@@ -82,9 +111,10 @@ TrackInfo readTrackInfo(const std::filesystem::path& path) noexcept {
     try {
         std::error_code error;
         if (!std::filesystem::is_regular_file(path, error)) return {};
+        if (isNamedMpeg(path)) return mpegInfo(path);
         TrackInfo info;
         const TagLib::FileRef file(path.c_str());
-        if (!file.isNull() && file.tag()) info.title = file.tag()->title().to8Bit(true);
+        if (!file.isNull()) info.title = titleOf(file);
         info.durationMs = file.isNull() ? -1 : durationOf(file);
         if (info.durationMs < 0) info.durationMs = decodersEstimate(path);
         return info;

@@ -2,6 +2,8 @@
 #include "audio/tags/TrackInfo.h"
 
 #include <algorithm>
+#include <chrono>
+#include <filesystem>
 #include <string>
 
 #include <QStringList>
@@ -34,7 +36,7 @@ TEST(TrackInfo, TitlesOfAllTagForms) {
     EXPECT_EQ(readTrackInfo(support::fixture("tone.mp3")).title, "Tone");
     const support::TempFolder folder;
     const std::string title = "Zoë – 日本 \"x\"";
-    for (const std::string name : {"t.mp3", "t.ogg", "t.wma", "t.flac", "t.m4a"}) {
+    for (const std::string name : {"t.mp3", "t.wav", "t.ogg", "t.wma", "t.flac", "t.m4a"}) {
         const auto result =
             support::run(QStringLiteral("ffmpeg"),
                          {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-i"),
@@ -77,6 +79,20 @@ TEST(TrackInfo, WhatIsNoSoundHasNoInfo) {
         EXPECT_EQ(info.title, "") << name;
         EXPECT_EQ(info.durationMs, -1) << name;
     }
+}
+
+// A download that was given its size before its bytes.
+TEST(TrackInfo, AQuarterOfAGigabyteOfZerosIsReadInNoTime) {
+    const support::TempFolder folder;
+    support::writeBytes(folder / "zeros.mp3", {});
+    auto bytes = support::readBytes(support::fixture("tone.mp3"));
+    support::writeBytes(folder / "begun.mp3", bytes);
+    const auto start = std::chrono::steady_clock::now();
+    for (const std::string name : {"zeros.mp3", "begun.mp3"})
+        std::filesystem::resize_file(folder / name, 1 << 28);
+    EXPECT_EQ(readTrackInfo(folder / "zeros.mp3").durationMs, -1);
+    EXPECT_EQ(readTrackInfo(folder / "begun.mp3").title, "Tone");
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
 }
 
 }  // namespace
