@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Nothing is cut and nothing overlaps, from 800×600 to 4K and from 100 to 300 % scaling, which to
-// the layout is a window of the size divided by the scale.
+// Nothing is cut and nothing overlaps, from 800×600 to 4K and from 100 to 300 % scaling. Run on the
+// usual test screen, on one of 3840×2160, and there with QT_SCALE_FACTOR=3.
 #include <QAbstractScrollArea>
 #include <QMenu>
 #include <QPushButton>
+#include <QScreen>
 #include <QStyle>
 #include <QStyleOptionButton>
 
@@ -68,13 +69,21 @@ struct Layout : MainWindow {
 
 }  // namespace
 
-TEST_F(Layout, FromSmallToLarge) {
+TEST_F(Layout, FromSmallToTheWholeScreen) {
     fillWithLongTexts();
-    // A window of 800×600 with its title bar; the usual; 4K at 300, 200 and 100 %.
-    for (const QSize& size :
-         {QSize(800, 570), QSize(1280, 770), QSize(1280, 690), QSize(1600, 1150)}) {
-        expectNothingCutOrOverlapping(size);
+    const QSize screen = window->screen()->size();
+    const QSize titleBar(0, 30);
+    ASSERT_EQ(window->devicePixelRatio(), qMax(1, qEnvironmentVariableIntValue("QT_SCALE_FACTOR")));
+    ASSERT_GE(screen.width(), 1280);
+    ASSERT_GE(screen.height(), 720);
+    for (const QSize& size : {QSize(800, 600), QSize(1024, 720), QSize(1280, 720), screen}) {
+        SCOPED_TRACE(std::to_string(size.width()) + "x" + std::to_string(size.height()));
+        expectNothingCutOrOverlapping(size - titleBar);
     }
+}
+
+TEST_F(Layout, TheWindowOpensWithinTheScreen) {
+    EXPECT_TRUE(window->screen()->geometry().contains(window->frameGeometry()));
 }
 
 TEST_F(Layout, TheSmallestWindowFitsASmallScreen) {
