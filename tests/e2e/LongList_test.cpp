@@ -125,12 +125,18 @@ TEST_F(LongList, TheWindowRunsOnWhileDurationsArrive) {
     Stall stall;
     QElapsedTimer clock;
     clock.start();
-    EXPECT_TRUE(waitFor([this] { return isKnown(entries); }, 4 * patience));
+    int row = 1;
+    EXPECT_TRUE(waitFor(
+        [&] {
+            while (row <= entries && isKnown(row)) ++row;
+            return row > entries;
+        },
+        4 * patience))
+        << "still unknown: " << row;
     report("all_durations", clock.elapsed());
     report("longest_stall_meanwhile", stall.longest);
     EXPECT_GT(arrived, entries / 10);
     EXPECT_LT(stall.longest, 500);
-    for (int row = 1; row <= entries; ++row) ASSERT_TRUE(isKnown(row)) << row;
 }
 
 TEST_F(LongList, RowsOnScreenAreReadFirst) {
