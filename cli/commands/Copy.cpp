@@ -61,11 +61,22 @@ void copyAll(const std::vector<player::ListedEntry>& entries, const QString& tar
     }
 }
 
+/// Where the new list goes. It must not take the place of the list that is being copied.
+QString newListFor(const QString& copied, const QString& target) {
+    const QString path = target + handoff::projectListName;
+    if (QFileInfo::exists(path) && QFileInfo(path) == QFileInfo(copied)) {
+        throw platform::Error("The playlist \"" + path.toStdString() +
+                              "\" cannot be copied into its own folder.");
+    }
+    return path;
+}
+
 void copy(const CopyArguments& arguments, Session& session) {
-    const auto entries = player::readListFile(QString::fromStdString(arguments.list));
+    const QString copied = QString::fromStdString(arguments.list);
+    const auto entries = player::readListFile(copied);
     const QString target = targetOf(arguments);
     std::optional<handoff::LineFile> list;
-    if (!arguments.player) list.emplace(target + handoff::projectListName);
+    if (!arguments.player) list.emplace(newListFor(copied, target));
     Report& report = session.report();
     report.begin(entries.size());
     copyAll(entries, target, list, report);

@@ -76,6 +76,17 @@ TEST_F(Lists, CopyOntoTheFilesThemselvesLeavesThem) {
     EXPECT_EQ(readFile(folder / "music/a.mp3"), "first");
 }
 
+TEST_F(Lists, CopyDoesNotWriteOverTheListItReads) {
+    writeFile(folder / "music/temp.m3u", "a.mp3\r\n");
+    fs::create_directory_symlink(folder / "music", folder / "linked");
+    for (const QString& target : {at(u"music"_s), at(u"linked"_s)}) {
+        const Outcome outcome = cli({u"copy"_s, at(u"music/temp.m3u"_s), u"--to"_s, target});
+        EXPECT_EQ(outcome.exitCode, 1);
+        EXPECT_THAT(outcome.err.toStdString(), HasSubstr("temp.m3u\" cannot be copied"));
+        EXPECT_EQ(readFile(folder / "music/temp.m3u"), "a.mp3\r\n");
+    }
+}
+
 TEST_F(Lists, CopySpeaksJson) {
     const Outcome outcome =
         cli({u"copy"_s, at(u"list.m3u"_s), u"--to"_s, at(u"out"_s), u"--json"_s});
