@@ -52,6 +52,7 @@ void readExtension(Bytes frame, std::size_t offset, InfoTag& tag) {
         tag.encoder.push_back(static_cast<char>(frame[offset + i]));
     }
     tag.vbrMethod = frame[offset + InfoTag::methodField] & 15;
+    tag.statedKbps = frame[offset + InfoTag::bitRateField];
     const std::uint32_t gaps = number(frame, offset + InfoTag::delayField, 3);
     tag.delay = static_cast<int>(gaps >> 12);
     tag.padding = static_cast<int>(gaps & 4095);

@@ -31,6 +31,7 @@ struct InfoTag {
     std::size_t lameOffset = 0;  ///< of the extension: its encoder name; its length is 36
     std::string encoder;         ///< the extension's nine bytes of name and version
     int vbrMethod = 0;           ///< 1 CBR, 2 ABR, 3 to 6 VBR, 8 CBR two passes, 9 ABR two passes
+    int statedKbps = 0;          ///< ABR: what was asked for, 255 for that or more; VBR: the least
     std::optional<int> delay;    ///< encoder delay in samples, without the decoder's
     std::optional<int> padding;  ///< samples appended to fill the last frame
     std::uint32_t musicLength = 0;

@@ -46,8 +46,18 @@ EncoderSettings::Rate rateOf(const FrameIndex& index) {
         default:
             break;
     }
-    return index.variableBitRate() ? EncoderSettings::Rate::Quality
-                                   : EncoderSettings::Rate::Constant;
+    if (!index.variableBitRate()) return EncoderSettings::Rate::Constant;
+    // Where a tag says nothing of the method, the size is all that is known of what was wanted.
+    return index.info() ? EncoderSettings::Rate::Average : EncoderSettings::Rate::Quality;
+}
+
+// What an ABR encoder was asked for; its frames come out a little smaller, so that their average
+// would shrink the file with every save.
+int averageOf(const FrameIndex& index) {
+    const int stated = index.info() ? index.info()->statedKbps : 0;
+    const int method = index.info() ? index.info()->vbrMethod : 0;
+    if ((method == 2 || method == 9) && stated >= 8 && stated < 255) return stated * 1000;
+    return static_cast<int>((index.averageBitRate() + 500) / 1000 * 1000);
 }
 
 void setQuality(const FrameIndex& index, EncoderSettings& settings) {
@@ -133,7 +143,7 @@ EncoderSettings settingsOf(const FrameIndex& index) {
     settings.rate = rateOf(index);
     settings.bitRate = header.layer == 1 ? nearestLayerTwo(header) : header.bitRate;
     if (settings.rate == EncoderSettings::Rate::Average || header.freeFormat()) {
-        settings.bitRate = static_cast<int>((index.averageBitRate() + 500) / 1000 * 1000);
+        settings.bitRate = averageOf(index);
     }
     if (settings.rate == EncoderSettings::Rate::Quality) setQuality(index, settings);
     return settings;
