@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/MixOptions.h"
 
-#include <cmath>
-
 #include <CLI/CLI.hpp>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
 #include "cli/Inputs.h"
+#include "cli/Seconds.h"
 #include "platform/Error.h"
 #include "platform/Paths.h"
 #include "wizard/OutputFormat.h"
@@ -17,8 +16,6 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace cli {
 namespace {
-
-constexpr double longestSeconds = 2'000'000;  // its milliseconds still fit 31 bits
 
 QString folderWithSeparator(const std::string& name) {
     const QString folder = QFileInfo(QFile::decodeName(name.c_str())).absoluteFilePath();
@@ -34,33 +31,40 @@ std::set<int> numbersIn(const QStringList& bitTexts) {
     return numbers;
 }
 
-}  // namespace
-
-std::int32_t toMilliseconds(double seconds) {
-    return static_cast<std::int32_t>(std::lround(seconds * 1000));
+// CLI::IsMember takes no text at all for 0, and says of other words nothing but the word.
+CLI::Validator oneOf(const std::set<int>& numbers) {
+    const std::string choice = CLI::detail::generate_set(numbers);
+    const auto reasonAgainst = [numbers, choice](const std::string& typed) {
+        int number = 0;
+        const bool found = CLI::detail::lexical_cast(typed, number) && numbers.contains(number);
+        return found ? std::string() : "\"" + typed + "\" is not in " + choice;
+    };
+    return CLI::Validator(reasonAgainst, choice);
 }
 
+}  // namespace
+
 void MixOptions::addTo(CLI::App& command) {
-    const auto seconds = CLI::Range(0.001, longestSeconds);
     command.add_option("--target", target, "Folder for the new files")
         ->required()
         ->type_name("DIR");
     command.add_flag("--trim", trim, "Cut silence at both ends");
     command.add_flag("--normalize", normalize, "Bring every file to full level");
-    command.add_option("--fade-out", fadeOut, "Fade the last seconds to a tenth")->check(seconds);
+    command.add_option("--fade-out", fadeOut, "Fade the last seconds to a tenth")
+        ->check(lengthInSeconds());
     command.add_option("--fade-in", fadeIn, "Fade the first seconds in from a tenth")
-        ->check(seconds);
+        ->check(lengthInSeconds());
     command.add_option("--format", format, "Format of the new files")
         ->check(CLI::IsMember({"wav", "mp3"}))
         ->capture_default_str();
     command.add_option("--frequency", frequency, "Sample rate in Hz")
-        ->check(CLI::IsMember({8000, 11025, 16000, 22050, 24000, 32000, 44100, 48000}))
+        ->check(oneOf({8000, 11025, 16000, 22050, 24000, 32000, 44100, 48000}))
         ->capture_default_str();
     command.add_option("--bits", bits, "Bits of a WAV sample")
-        ->check(CLI::IsMember(numbersIn(wizard::bitRateTexts(u"WAV"_s))))
+        ->check(oneOf(numbersIn(wizard::bitRateTexts(u"WAV"_s))))
         ->capture_default_str();
     command.add_option("--bitrate", bitrate, "MP3 bit-rate in kbit/s")
-        ->check(CLI::IsMember(numbersIn(wizard::bitRateTexts(u"MP3"_s))))
+        ->check(oneOf(numbersIn(wizard::bitRateTexts(u"MP3"_s))))
         ->capture_default_str();
     command.add_option("--channels", channels, "1 = mono, 2 = stereo")
         ->check(CLI::Range(1, 2))

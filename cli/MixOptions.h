@@ -34,7 +34,4 @@ struct MixOptions {
     MixRun toRun(Report& report) const;
 };
 
-/// Seconds as whole milliseconds.
-std::int32_t toMilliseconds(double seconds);
-
 }  // namespace cli

@@ -2,7 +2,9 @@
 #include "cli/MixRun.h"
 
 #include <algorithm>
+#include <set>
 
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonObject>
 
@@ -42,30 +44,40 @@ class ReportingHost : public wizard::Host {
 
     void setEngineProgress(int percent) override {
         fraction_ = std::max(fraction_, percent / 100.0);
-        report_.progress(current_, (round_ + fraction_) / rounds());
+        report_.progress(static_cast<std::size_t>(current_), (round_ + fraction_) / rounds());
     }
 
     // One more file is transformed; the pass ends with a last call that puts its bar back to 0.
     void setFileProgress(int files) override {
-        if (files == 0) return;
-        const QString source = run_.files.at(static_cast<qsizetype>(current_));
-        if (failedNow_) return;
-        report_.done(source, session_.List1.stringList().last());
+        if (files > 0 && !run_.options.crossFade) reportDone(current_);
     }
 
-    void stepFailed(const QString& sentence) override {
-        failedNow_ = true;
-        report_.failed(run_.files.at(static_cast<qsizetype>(current_)), sentence);
-    }
+    void stepFailed(const QString& sentence) override { reportFailed(current_, sentence); }
 
+    // Only here is a track of a mix done: until the rounds are over, any of them may still fail.
     void burn(const QStringList& results) override {
         finished_ = true;
-        QJsonObject fields{{u"mix"_s, QJsonArray::fromStringList(results)}};
+        QStringList tracks;
+        for (qsizetype index = 0; index < results.size(); ++index) {
+            reportDone(index);
+            if (QFileInfo::exists(results[index])) tracks += results[index];
+        }
+        QJsonObject fields{{u"mix"_s, QJsonArray::fromStringList(tracks)}};
         if (!run_.burnList.isEmpty()) {
-            handoff::writeLines(run_.burnList, results);
+            handoff::writeLines(run_.burnList, tracks);
             fields[u"burnList"_s] = run_.burnList;
         }
-        report_.line(summary(results.size()), fields);
+        report_.line(summary(tracks.size()), fields);
+    }
+
+    void reportInterrupt() {
+        const qsizetype transformed = session_.List1.rowCount();
+        const qsizetype done = run_.options.crossFade ? 0 : transformed;
+        for (qsizetype index = done; index < run_.files.size(); ++index)
+            reportFailed(index, (index < transformed
+                                     ? u"%1 is in no finished mix: the run was interrupted."_s
+                                     : u"%1 was not begun: the run was interrupted."_s)
+                                    .arg(run_.files[index]));
     }
 
     bool finished() const { return refused_ || finished_; }
@@ -74,14 +86,24 @@ class ReportingHost : public wizard::Host {
     double rounds() const { return run_.options.crossFade ? 2 : 1; }
 
     void begin(int index, int round) {
-        current_ = static_cast<std::size_t>(index);
+        current_ = index;
         round_ = round;
         fraction_ = 0;
-        failedNow_ = false;
+    }
+
+    void reportDone(qsizetype index) {
+        if (!failed_.contains(index))
+            report_.done(run_.files[index], session_.List1.stringList().at(index));
+    }
+
+    // What fails in a round after that follows from the first failure, and a file counts once.
+    void reportFailed(qsizetype index, const QString& sentence) {
+        if (failed_.insert(index).second) report_.failed(run_.files[index], sentence);
     }
 
     QString summary(qsizetype tracks) const {
-        QString text = u"The mix of %1 tracks is in %2"_s.arg(tracks).arg(run_.options.targetPath);
+        const QString count = tracks == 1 ? u"1 track"_s : u"%1 tracks"_s.arg(tracks);
+        QString text = u"The mix of %1 is in %2"_s.arg(count, run_.options.targetPath);
         if (!run_.burnList.isEmpty()) text += u", its burn list is %1"_s.arg(run_.burnList);
         return text;
     }
@@ -89,22 +111,13 @@ class ReportingHost : public wizard::Host {
     const MixRun& run_;
     const wizard::Session& session_;
     Report& report_;
-    std::size_t current_ = 0;  // the file in hand
-    int round_ = 0;            // 0 = the pass, 1 = a round of the cross fade
+    qsizetype current_ = 0;  // the file in hand
+    int round_ = 0;          // 0 = the pass, 1 = a round of the cross fade
     double fraction_ = 0;
-    bool failedNow_ = false;
+    std::set<qsizetype> failed_;
     bool refused_ = false;
     bool finished_ = false;
 };
-
-void reportInterrupt(const MixRun& run, qsizetype transformed, Report& report) {
-    for (const QString& file : run.files.mid(transformed))
-        report.failed(file, u"%1 was not begun: the run was interrupted."_s.arg(file));
-    if (transformed == run.files.size())
-        report.failed(run.options.targetPath,
-                      u"The cross fade was interrupted: the files in %1 are no finished mix."_s.arg(
-                          run.options.targetPath));
-}
 
 }  // namespace
 
@@ -123,7 +136,7 @@ void runMix(const MixRun& run, Report& report) {
                      [&](int percent) { host.setEngineProgress(percent); });
     report.begin(static_cast<std::size_t>(run.files.size()));
     wizard::TransformationPass(editor, session, host).run();
-    if (!host.finished()) reportInterrupt(run, session.List1.rowCount(), report);
+    if (!host.finished()) host.reportInterrupt();
     report.end();
 }
 

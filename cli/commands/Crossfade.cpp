@@ -10,6 +10,7 @@
 #include <QFileInfo>
 
 #include "cli/MixOptions.h"
+#include "cli/Seconds.h"
 #include "cli/Session.h"
 
 namespace cli {
@@ -43,7 +44,7 @@ void addCrossfadeCommand(CLI::App& app, Session& session) {
         app.add_subcommand("crossfade", "Makes one continuous mix of sound files in a folder");
     options->mix.addTo(*command);
     command->add_option("--overlap", options->overlap, "Seconds that two tracks are heard together")
-        ->check(CLI::Range(0.001, 2'000'000.0))
+        ->check(lengthInSeconds())
         ->capture_default_str();
     command->add_option("--burn-list", options->burnList, "Write the paths of the mix to this file")
         ->type_name("FILE");

@@ -14,6 +14,7 @@
 
 #include "cli/EffectRun.h"
 #include "cli/Inputs.h"
+#include "cli/Seconds.h"
 #include "cli/Session.h"
 #include "platform/Error.h"
 
@@ -22,8 +23,6 @@ namespace {
 
 using effects::Effect;
 using effects::EffectId;
-
-constexpr double longestFadeSeconds = 2'000'000;  // its milliseconds still fit 31 bits
 
 /// What the options of all effects are read into; each effect offers only its own.
 struct Options {
@@ -61,7 +60,7 @@ void addEchoOptions(CLI::App& command, effects::EchoSettings& echo) {
 
 void addFadeOptions(CLI::App& command, Options& options) {
     command.add_option("--seconds", options.seconds, "Length of the fade")
-        ->check(CLI::Range(0.001, longestFadeSeconds).description(""))
+        ->check(lengthInSeconds())
         ->capture_default_str();
     addInteger(command, "--level", options.settings.level, 0, 50,
                "Percent at the quiet end of the fade");
@@ -118,7 +117,7 @@ void run(const Effect& effect, Options& options, Session& session) {
     EffectRun run;
     run.effect = &effect;
     run.settings = options.settings;
-    run.settings.fadeMs = static_cast<std::int32_t>(std::lround(options.seconds * 1000));
+    run.settings.fadeMs = toMilliseconds(options.seconds);
     run.outputFolder = existingFolder(options.output);
     run.jobs = options.jobs;
     run.files = namedFiles(options.arguments, report);

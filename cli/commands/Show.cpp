@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/commands/Show.h"
 
+#include <exception>
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include <CLI/CLI.hpp>
-#include <QFileInfo>
 
+#include "audio/codec/Decoder.h"
 #include "audio/tags/TrackInfo.h"
 #include "cli/Inputs.h"
 #include "cli/Session.h"
@@ -33,6 +35,25 @@ Row rowOf(const QString& path, int number) {
     const QString title = QString::fromStdString(info.title);
     return {QString::number(number), player::formatDuration(info.durationMs),
             title.isEmpty() ? player::nameOf(path) : title, path};
+}
+
+// What keeps the entry from being played; empty where nothing does. A file whose duration could be
+// read is not opened for it.
+QString reasonAgainst(const QString& path, const Row& row) {
+    namespace fs = std::filesystem;
+    if (player::isUrl(path) || !row.duration.isEmpty()) return {};
+    std::error_code error;
+    const fs::file_status status = fs::status(platform::toPath(path), error);
+    if (status.type() == fs::file_type::not_found) return path + u" is missing."_s;
+    if (fs::is_directory(status)) return path + u" is a folder, no sound file."_s;
+    if (fs::exists(status) && !fs::is_regular_file(status))
+        return path + u" is no ordinary file."_s;
+    try {
+        const audio::codec::Decoder decoder(platform::toPath(path));
+        return {};
+    } catch (const std::exception& failure) {
+        return QString::fromUtf8(failure.what());
+    }
 }
 
 void showRow(const Row& row, Report& report) {
@@ -62,8 +83,8 @@ void show(const std::vector<std::string>& arguments, Session& session) {
         const Row row = rowOf(path, static_cast<int>(durations.size()) + 1);
         durations.push_back(row.duration);
         showRow(row, report);
-        if (!player::isUrl(path) && !QFileInfo(path).isFile())
-            report.failed(path, path + u" is missing."_s);
+        if (const QString reason = reasonAgainst(path, row); !reason.isEmpty())
+            report.failed(path, reason);
     }
     showTotals(durations, report);
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <fstream>
+#include <sys/stat.h>
 
 #include <QDir>
 #include <gmock/gmock.h>
@@ -78,6 +79,40 @@ TEST(CliShow, NamesWhatIsMissing) {
     EXPECT_EQ(outcome.exitCode, 1);
     EXPECT_THAT(outcome.err.toStdString(), HasSubstr("no.wav is missing"));
     EXPECT_THAT(outcome.err.toStdString(), HasSubstr("no.m3u"));
+}
+
+TEST(CliShow, TellsWhatCannotBePlayedAndListsItAllTheSame) {
+    TempFolder folder;
+    const QString good = copyOf("tone.mp3", folder, u"good.mp3"_s);
+    const QString cut = copyOf("tone.ogg", folder, u"cut.ogg"_s);
+    std::filesystem::resize_file(platform::toPath(cut), 200);
+    writeText(folder.file(u"words.wav"_s), u"no sound"_s);
+    writeText(folder.file(u"empty.mp3"_s), {});
+    QDir(folder.file({})).mkdir(u"x.mp3"_s);
+    ASSERT_EQ(::mkfifo(folder.file(u"pipe.mp3"_s).toUtf8().constData(), 0600), 0);
+    const QList<std::pair<QString, QString>> bad{{u"cut.ogg"_s, u"not a sound file"_s},
+                                                 {u"words.wav"_s, u"not a sound file"_s},
+                                                 {u"empty.mp3"_s, u"empty"_s},
+                                                 {u"x.mp3"_s, u"is a folder"_s},
+                                                 {u"pipe.mp3"_s, u"no ordinary file"_s}};
+    QStringList arguments{u"show"_s, good};
+    for (const auto& [name, reason] : bad) arguments << folder.file(name);
+    const Outcome outcome = cli(arguments);
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(outcome.err.count('\n'), bad.size()) << outcome.err.toStdString();
+    const auto lines = objects(cli(arguments + QStringList{u"--json"_s}));
+    ASSERT_EQ(lines.size(), 1 + 2 * bad.size() + 2);
+    EXPECT_EQ(lines[0][u"duration"_s], u"0:02"_s);
+    for (qsizetype i = 0; i < bad.size(); ++i) {
+        const auto& [name, reason] = bad[i];
+        EXPECT_THAT(outcome.out.toStdString(), HasSubstr(folder.file(name).toStdString()));
+        EXPECT_THAT(outcome.err.toStdString(), ContainsRegex("failed: [^\n]*" + name.toStdString() +
+                                                             "[^\n]*" + reason.toStdString()));
+        EXPECT_EQ(lines[1 + 2 * i][u"path"_s], folder.file(name));
+        EXPECT_EQ(lines[2 + 2 * i][u"file"_s], folder.file(name));
+        EXPECT_EQ(lines[2 + 2 * i][u"status"_s], u"failed"_s);
+        EXPECT_TRUE(lines[2 + 2 * i][u"reason"_s].toString().contains(reason));
+    }
 }
 
 struct EffectCase {
@@ -247,6 +282,28 @@ TEST(CliUsage, WhatIsWrongIsSaidAndNothingDone) {
         EXPECT_FALSE(outcome.err.isEmpty()) << arguments.join(u' ').toStdString();
     }
     EXPECT_EQ(readBytes(platform::toPath(file)), readBytes(fixture("tone.wav")));
+}
+
+TEST(CliUsage, ANumberIsANumber) {
+    TempFolder folder;
+    const QString file = copyOf("tone.wav", folder, u"a.wav"_s);
+    const QString out = folder.file(u"out"_s);
+    const QList<QStringList> options{{u"effect"_s, u"fade-in"_s, u"--seconds"_s},
+                                     {u"effect"_s, u"fade-out"_s, u"--level"_s},
+                                     {u"effect"_s, u"normalize"_s, u"--value"_s},
+                                     {u"transform"_s, u"--target"_s, out, u"--fade-in"_s},
+                                     {u"transform"_s, u"--target"_s, out, u"--fade-out"_s},
+                                     {u"transform"_s, u"--target"_s, out, u"--bits"_s},
+                                     {u"crossfade"_s, u"--target"_s, out, u"--overlap"_s}};
+    for (const QStringList& option : options) {
+        for (const char* number : {"nan", "-nan", "inf", "-1", "1e999", "5s", "", " "}) {
+            const Outcome outcome = cli(option + QStringList{QString::fromUtf8(number), file});
+            EXPECT_EQ(outcome.exitCode, 2) << option.join(u' ').toStdString() << " " << number;
+            EXPECT_THAT(outcome.err.toStdString(), HasSubstr(option.last().toStdString() + ": "));
+        }
+    }
+    EXPECT_EQ(readBytes(platform::toPath(file)), readBytes(fixture("tone.wav")));
+    EXPECT_FALSE(QDir(out).exists());
 }
 
 TEST(CliUsage, HelpAndVersionAreNoErrors) {

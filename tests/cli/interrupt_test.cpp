@@ -107,6 +107,26 @@ TEST(Interrupted, ByControlCTheRunEndsInOrder) {
     EXPECT_TRUE(victims.leftovers().isEmpty());
 }
 
+TEST(Interrupted, ACrossFadeCountsEveryTrackOnce) {
+    TempFolder folder;
+    QStringList files;
+    for (int i = 0; i < 12; ++i) files << copyOf("music.ogg", folder, u"%1.ogg"_s.arg(i));
+    const QDir target(folder.file(u"mix"_s));
+    QProcess process;
+    process.start(QStringLiteral(TRACKSMITH_CLI),
+                  QStringList{u"crossfade"_s, u"--target"_s, target.path()} + files);
+    while (!QFileInfo::exists(target.filePath(u"1.wav"_s)))
+        ASSERT_FALSE(process.waitForFinished(1));
+    ASSERT_EQ(::kill(static_cast<pid_t>(process.processId()), SIGINT), 0);
+    ASSERT_TRUE(process.waitForFinished(60000));
+    EXPECT_EQ(process.exitCode(), 1);
+    EXPECT_EQ(process.readAllStandardOutput(), "0 files done, 12 failed.\n");
+    const QByteArray said = process.readAllStandardError();
+    EXPECT_EQ(said.count("failed: "), 12) << said.toStdString();
+    EXPECT_TRUE(said.contains("0.ogg is in no finished mix")) << said.toStdString();
+    EXPECT_TRUE(said.contains("11.ogg was not begun")) << said.toStdString();
+}
+
 // What is left behind by force can only be a temporary, hidden, of the files that were in hand.
 TEST(Interrupted, ByForceAtAnyMomentEveryFileIsOldOrNew) {
     Victims victims(10);

@@ -72,6 +72,35 @@ TEST_F(Mix, AFileThatFailsIsNamedAndTheOthersAreDone) {
     EXPECT_THAT(namesIn(folder / "new/folder"), ElementsAre("tone.wav"));
 }
 
+TEST_F(Mix, AMissingTrackCountsOnce) {
+    const QString gone = folder.file(u"gone.mp3"_s);
+    const QStringList arguments{u"crossfade"_s,
+                                fixture("music.wav"),
+                                gone,
+                                fixture("music.flac"),
+                                u"--target"_s,
+                                target(),
+                                u"--overlap"_s,
+                                u"2"_s,
+                                u"--burn-list"_s,
+                                folder.file(u"burn.txt"_s)};
+    const Outcome outcome = cli(arguments);
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(outcome.err.count("failed: "), 1) << outcome.err.toStdString();
+    EXPECT_THAT(outcome.err.toStdString(), HasSubstr("gone.mp3"));
+    const std::string path = (target() + u'/').toStdString();
+    EXPECT_EQ(outcome.out.toStdString(),
+              "done: " + fixture("music.wav").toStdString() + " -> " + path + "music.wav\n" +
+                  "done: " + fixture("music.flac").toStdString() + " -> " + path + "music.fwav\n" +
+                  "The mix of 2 tracks is in " + path + ", its burn list is " +
+                  folder.file(u"burn.txt"_s).toStdString() + "\n2 files done, 1 failed.\n");
+    EXPECT_EQ(test::readFile(folder / "burn.txt"),
+              path + "music.wav\r\n" + path + "music.fwav\r\n");
+    const Outcome json = cli(arguments + QStringList{u"--json"_s});
+    EXPECT_EQ(json.out.count(R"("status":"failed")"), 1) << json.out.toStdString();
+    EXPECT_THAT(json.out.toStdString(), HasSubstr(R"({"done":2,"failed":1})"));
+}
+
 TEST_F(Mix, TwoFilesOfOneNameAreRefusedBeforeAnythingIsWritten) {
     const Outcome outcome =
         cli({u"crossfade"_s, fixture("music.mp3"), fixture("music.wav"), u"--target"_s, target()});
