@@ -14,9 +14,13 @@
 #include <fcntl.h>
 #include <string>
 #include <string_view>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
+#ifdef Q_OS_LINUX
+#include <linux/fs.h>
+#endif
 
 namespace platform {
 namespace {
@@ -71,25 +75,74 @@ bool copyOwnerAndMode(int from, int to, std::error_code& error) {
     return ::fchmod(to, wanted.st_mode & 07777) == 0 || failed(error);
 }
 
-bool copyByHand(int from, int to, std::int64_t offset, std::int64_t size, std::int64_t position,
-                std::error_code& error) {
+/// A stretch of one file and where it goes in another.
+struct Stretch {
+    std::int64_t offset = 0;
+    std::int64_t position = 0;
+    std::int64_t size = 0;
+};
+
+/// The whole blocks inside a stretch; empty where blocks of the two files do not lie alike.
+Stretch wholeBlocks(const Stretch& all, int file) {
+    struct stat about {};
+    if (::fstat(file, &about) != 0 || about.st_blksize <= 0) return {};
+    const std::int64_t block = about.st_blksize;
+    if ((all.offset - all.position) % block != 0) return {};
+    const std::int64_t skipped = (block - all.offset % block) % block;
+    const std::int64_t size = (all.size - skipped) / block * block;
+    if (size <= 0) return {};
+    return {all.offset + skipped, all.position + skipped, size};
+}
+
+bool shareBlocks(int from, int to, const Stretch& stretch) {
+#ifdef FICLONERANGE
+    if (stretch.size == 0) return false;
+    file_clone_range range{};
+    range.src_fd = from;
+    range.src_offset = static_cast<std::uint64_t>(stretch.offset);
+    range.src_length = static_cast<std::uint64_t>(stretch.size);
+    range.dest_offset = static_cast<std::uint64_t>(stretch.position);
+    return ::ioctl(to, FICLONERANGE, &range) == 0;
+#else
+    return false;
+#endif
+}
+
+bool copyByHand(int from, int to, Stretch left, std::error_code& error) {
     std::vector<std::byte> buffer(std::size_t{1} << 20);
-    while (size > 0) {
+    while (left.size > 0) {
         const auto count = static_cast<std::size_t>(
-            std::min<std::int64_t>(size, static_cast<std::int64_t>(buffer.size())));
-        const ssize_t got = ::pread(from, buffer.data(), count, offset);
+            std::min<std::int64_t>(left.size, static_cast<std::int64_t>(buffer.size())));
+        const ssize_t got = ::pread(from, buffer.data(), count, left.offset);
         if (got < 0 && errno == EINTR) continue;
         if (got < 0) return failed(error);
         if (got == 0) return endedTooEarly(error);
         for (ssize_t done = 0; done < got;) {
-            const ssize_t put = ::pwrite(to, buffer.data() + done,
-                                         static_cast<std::size_t>(got - done), position + done);
+            const ssize_t put =
+                ::pwrite(to, buffer.data() + done, static_cast<std::size_t>(got - done),
+                         left.position + done);
             if (put < 0 && errno != EINTR) return failed(error);
             done += std::max<ssize_t>(put, 0);
         }
-        offset += got;
-        position += got;
-        size -= got;
+        left = {left.offset + got, left.position + got, left.size - got};
+    }
+    return true;
+}
+
+bool copyInside(int from, int to, Stretch left, std::error_code& error) {
+    while (left.size > 0) {
+        off_t in = left.offset;
+        off_t out = left.position;
+        const auto count =
+            static_cast<std::size_t>(std::min<std::int64_t>(left.size, std::int64_t{64} << 20));
+        const ssize_t done = ::copy_file_range(from, &in, to, &out, count, 0);
+        if (done < 0 && errno == EINTR) continue;
+        if (done < 0 && (errno == ENOSPC || errno == EIO || errno == EFBIG || errno == EDQUOT))
+            return failed(error);
+        // Across file systems, or where the system does not know the call.
+        if (done < 0) return copyByHand(from, to, left, error);
+        if (done == 0) return endedTooEarly(error);
+        left = {left.offset + done, left.position + done, left.size - done};
     }
     return true;
 }
@@ -108,9 +161,27 @@ bool FileHandle::createNew(const std::filesystem::path& path, std::error_code& e
     return handle_ >= 0 || failed(error);
 }
 
+bool FileHandle::openForWriting(const std::filesystem::path& path, std::error_code& error) {
+    close();
+    handle_ = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    return handle_ >= 0 || failed(error);
+}
+
 void FileHandle::close() {
     if (handle_ >= 0) ::close(static_cast<int>(handle_));
     handle_ = -1;
+    waiting_ = 0;
+}
+
+// Sets the disk to work on what has been written so far, so that sync() finds most of it done.
+void FileHandle::wrote(std::int64_t bytes) {
+    constexpr std::int64_t enough = std::int64_t{8} << 20;
+    waiting_ += bytes;
+    if (waiting_ < enough) return;
+    waiting_ = 0;
+#ifdef Q_OS_LINUX
+    ::sync_file_range(static_cast<int>(handle_), 0, 0, SYNC_FILE_RANGE_WRITE);
+#endif
 }
 
 bool FileHandle::readAt(std::int64_t position, std::span<std::byte> bytes,
@@ -136,6 +207,7 @@ bool FileHandle::writeAt(std::int64_t position, std::span<const std::byte> bytes
         if (put < 0) return failed(error);
         bytes = bytes.subspan(static_cast<std::size_t>(put));
         position += put;
+        wrote(put);
     }
     return true;
 }
@@ -148,23 +220,16 @@ bool FileHandle::copyFrom(const FileHandle& source, std::int64_t offset, std::in
                           std::int64_t position, std::error_code& error) {
     const int from = static_cast<int>(source.handle_);
     const int to = static_cast<int>(handle_);
-    while (size > 0) {
-        off_t in = offset;
-        off_t out = position;
-        const auto count =
-            static_cast<std::size_t>(std::min<std::int64_t>(size, std::int64_t{64} << 20));
-        const ssize_t done = ::copy_file_range(from, &in, to, &out, count, 0);
-        if (done < 0 && errno == EINTR) continue;
-        if (done < 0 && (errno == ENOSPC || errno == EIO || errno == EFBIG || errno == EDQUOT))
-            return failed(error);
-        // Across file systems, or where the system does not know the call.
-        if (done < 0) return copyByHand(from, to, offset, size, position, error);
-        if (done == 0) return endedTooEarly(error);
-        offset += done;
-        position += done;
-        size -= done;
+    const Stretch blocks = wholeBlocks({offset, position, size}, to);
+    if (!shareBlocks(from, to, blocks)) {
+        if (!copyInside(from, to, {offset, position, size}, error)) return false;
+        wrote(size);
+        return true;
     }
-    return true;
+    const std::int64_t ahead = blocks.offset - offset;
+    const std::int64_t done = ahead + blocks.size;
+    return copyInside(from, to, {offset, position, ahead}, error) &&
+           copyInside(from, to, {offset + done, position + done, size - done}, error);
 }
 
 bool FileHandle::copyAttributesOf(const std::filesystem::path& other, std::error_code& error) {
@@ -239,10 +304,22 @@ bool FileHandle::createNew(const std::filesystem::path& path, std::error_code& e
     return handle_ != -1 || failed(error);
 }
 
+bool FileHandle::openForWriting(const std::filesystem::path& path, std::error_code& error) {
+    close();
+    handle_ = reinterpret_cast<std::intptr_t>(
+        CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE,
+                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, CREATE_ALWAYS,
+                    FILE_ATTRIBUTE_NORMAL, nullptr));
+    return handle_ != -1 || failed(error);
+}
+
 void FileHandle::close() {
     if (handle_ != -1) CloseHandle(native(handle_));
     handle_ = -1;
 }
+
+// The system writes files back by itself; there is no call that only begins it.
+void FileHandle::wrote(std::int64_t) {}
 
 bool FileHandle::readAt(std::int64_t position, std::span<std::byte> bytes,
                         std::error_code& error) const {

@@ -21,13 +21,16 @@ class FileHandle {
     bool openForReading(const std::filesystem::path& path, std::error_code& error);
     /// Creates the file, with the mode any new file gets; fails where it exists.
     bool createNew(const std::filesystem::path& path, std::error_code& error);
+    /// Creates the file, or empties it where it exists.
+    bool openForWriting(const std::filesystem::path& path, std::error_code& error);
     void close();
 
     /// Reads exactly these bytes; a file that ends before is an error.
     bool readAt(std::int64_t position, std::span<std::byte> bytes, std::error_code& error) const;
     bool writeAt(std::int64_t position, std::span<const std::byte> bytes, std::error_code& error);
     bool resize(std::int64_t size, std::error_code& error);
-    /// Copies exactly `size` bytes, sharing the blocks on the disk where the system can.
+    /// Copies exactly `size` bytes inside the system. Where the file system can share blocks
+    /// between files, those that lie alike in both are shared and not copied.
     bool copyFrom(const FileHandle& source, std::int64_t offset, std::int64_t size,
                   std::int64_t position, std::error_code& error);
 
@@ -38,7 +41,10 @@ class FileHandle {
     bool sync(std::error_code& error);
 
   private:
+    void wrote(std::int64_t bytes);
+
     std::intptr_t handle_ = -1;
+    std::int64_t waiting_ = 0;  ///< bytes written since the disk was last set to work
 };
 
 /// Whether the user may write to an existing file.

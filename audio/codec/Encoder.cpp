@@ -62,6 +62,11 @@ void Encoder::writePcm(const std::byte* bytes, std::size_t frames) {
     sink_->writePcm(bytes, frames);
 }
 
+void Encoder::copyPcm(std::int64_t firstFrame, std::int64_t frames,
+                      const std::function<void(std::int64_t)>& copied) {
+    sink_->copyPcm(firstFrame, frames, copied);
+}
+
 void Encoder::finish() {
     sink_->finish();
 }

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -60,6 +61,12 @@ class Encoder {
     /// Codec::Pcm only: appends frames as the bytes that shall lie in the file (little-endian,
     /// format.sampleType, interleaved). May alternate with write().
     void writePcm(const std::byte* bytes, std::size_t frames);
+
+    /// Codec::Pcm only, where waveModel holds sound of this very format: appends frames of it as
+    /// they lie there, copied inside the system. `copied` is told of the frames of every stretch
+    /// (up to 16 MB); what it throws comes through.
+    void copyPcm(std::int64_t firstFrame, std::int64_t frames,
+                 const std::function<void(std::int64_t frames)>& copied);
 
     /// Ends the sound, completes headers and closes the file. Throws platform::Error.
     void finish();

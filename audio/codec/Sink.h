@@ -16,6 +16,7 @@ class Encoder::Sink {
     virtual ~Sink() = default;
     virtual void write(const float* interleaved, std::size_t frames) = 0;
     virtual void writePcm(const std::byte*, std::size_t) {}
+    virtual void copyPcm(std::int64_t, std::int64_t, const std::function<void(std::int64_t)>&) {}
     virtual void finish() = 0;
 };
 

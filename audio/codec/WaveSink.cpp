@@ -65,7 +65,18 @@ void WaveSink::write(const float* interleaved, std::size_t frames) {
 }
 
 void WaveSink::writePcm(const std::byte* bytes, std::size_t frames) {
-    writer_.write(bytes, frames * channels_ * static_cast<std::size_t>(bytesPerSample(type_)));
+    writer_.write(bytes, frames * frameBytes());
+}
+
+void WaveSink::copyPcm(std::int64_t firstFrame, std::int64_t frames,
+                       const std::function<void(std::int64_t)>& copied) {
+    const auto size = static_cast<std::int64_t>(frameBytes());
+    std::int64_t bytes = 0;
+    writer_.copySound(firstFrame * size, frames * size, [&](std::int64_t stretch) {
+        const std::int64_t before = bytes / size;
+        bytes += stretch;
+        copied(bytes / size - before);
+    });
 }
 
 }  // namespace audio::codec

@@ -16,9 +16,15 @@ class WaveSink : public Encoder::Sink {
 
     void write(const float* interleaved, std::size_t frames) override;
     void writePcm(const std::byte* bytes, std::size_t frames) override;
+    void copyPcm(std::int64_t firstFrame, std::int64_t frames,
+                 const std::function<void(std::int64_t)>& copied) override;
     void finish() override { writer_.finish(); }
 
   private:
+    std::size_t frameBytes() const {
+        return channels_ * static_cast<std::size_t>(bytesPerSample(type_));
+    }
+
     SampleType type_;
     std::size_t channels_;
     wave::Writer writer_;

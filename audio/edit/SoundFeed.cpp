@@ -8,7 +8,6 @@
 #include "audio/edit/EditReader.h"
 #include "audio/edit/ReadAhead.h"
 #include "audio/edit/Resampled.h"
-#include "platform/Error.h"
 
 namespace audio::edit {
 namespace {
@@ -85,22 +84,9 @@ std::vector<SoundFeed::Run> SoundFeed::runs() const {
 }
 
 void SoundFeed::copyPcm(const Run& run) {
-    const std::size_t frameBytes = static_cast<std::size_t>(
-        codec::bytesPerSample(job_.output.sampleType) * job_.output.channels);
-    bytes_.resize(blockFrames * frameBytes);
-    auto decoder = job_.source->takeDecoder();
-    decoder->seek(run.sourceStart);
-    for (std::int64_t left = run.range.end - run.range.start; left > 0;) {
-        const auto wanted = static_cast<std::size_t>(
-            std::min<std::int64_t>(left, static_cast<std::int64_t>(blockFrames)));
-        const std::size_t got = decoder->readPcm(bytes_.data(), wanted);
-        if (got == 0) throw platform::Error("The sound ends before its stated length.");
-        encoder_.writePcm(bytes_.data(), got);
-        left -= static_cast<std::int64_t>(got);
-        written_ += static_cast<std::int64_t>(got);
-        work_.advance(static_cast<std::int64_t>(got));
-    }
-    job_.source->giveBack(std::move(decoder));
+    const std::int64_t frames = run.range.end - run.range.start;
+    encoder_.copyPcm(run.sourceStart, frames, [&](std::int64_t copied) { work_.advance(copied); });
+    written_ += frames;
 }
 
 void SoundFeed::render(const Run& run) {

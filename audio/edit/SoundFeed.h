@@ -12,7 +12,7 @@
 
 namespace audio::edit {
 
-/// Feeds the sound of a job to an encoder: untouched PCM as the bytes that lie in the source,
+/// Feeds the sound of a job to an encoder: untouched PCM copied by the system out of the source,
 /// everything else rendered ahead on a thread of its own, dithered where it is stored in 16 or
 /// fewer bits. One thread; throws what reading and writing throw.
 class SoundFeed {

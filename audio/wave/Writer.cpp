@@ -2,8 +2,6 @@
 #include "audio/wave/Writer.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 
 #include "audio/wave/Bytes.h"
 #include "platform/Error.h"
@@ -14,6 +12,7 @@ namespace {
 
 constexpr std::uint64_t sizesChunkSize = 28;  // ds64 without a table, EBU Tech 3306
 constexpr std::int64_t roomForHeaders = 4'096;
+constexpr std::int64_t stretch = std::int64_t{16} << 20;
 
 std::vector<std::byte> number32(std::uint64_t value) {
     std::vector<std::byte> bytes;
@@ -24,13 +23,12 @@ std::vector<std::byte> number32(std::uint64_t value) {
 }  // namespace
 
 Writer::Writer(const std::filesystem::path& file, const Plan& plan) : file_(file), plan_(plan) {
+    std::error_code error;
     if (!plan_.model.empty()) {
         model_ = readLayout(plan_.model);
-        modelStream_.open(plan_.model, std::ios::binary);
+        if (!modelFile_.openForReading(plan_.model, error)) fail(error);
     }
-    errno = 0;
-    stream_.open(file_, std::ios::binary | std::ios::trunc);
-    check();
+    if (!output_.openForWriting(file_, error)) fail(error);
 
     const std::int64_t others =
         model_ && plan_.copyChunks ? model_->fileSize - model_->data().size : 0;
@@ -65,6 +63,20 @@ void Writer::write(const std::byte* bytes, std::size_t count) {
     written_ += static_cast<std::int64_t>(count);
 }
 
+// The stretches end at round places of the model, so that none cuts a block of the disk in two.
+void Writer::copySound(std::int64_t offset, std::int64_t count,
+                       const std::function<void(std::int64_t)>& copied) {
+    std::int64_t from = model_->data().body + offset;
+    const std::int64_t end = from + count;
+    while (from < end) {
+        const std::int64_t next = std::min(end, (from / stretch + 1) * stretch);
+        copyFromModel(from, next);
+        written_ += next - from;
+        copied(next - from);
+        from = next;
+    }
+}
+
 void Writer::finish() {
     padToEven();
     if (model_ && plan_.copyChunks) {
@@ -73,8 +85,8 @@ void Writer::finish() {
         copyFromModel(model_->trailing, model_->fileSize);
     }
     patchSizes(at_);
-    stream_.close();
-    check();
+    output_.close();
+    modelFile_.close();
 }
 
 bool Writer::isOther(const Chunk& chunk) const {
@@ -83,9 +95,8 @@ bool Writer::isOther(const Chunk& chunk) const {
 }
 
 void Writer::put(const std::byte* bytes, std::size_t count) {
-    errno = 0;
-    stream_.write(reinterpret_cast<const char*>(bytes), static_cast<std::streamsize>(count));
-    check();
+    std::error_code error;
+    if (!output_.writeAt(at_, {bytes, count}, error)) fail(error);
     at_ += static_cast<std::int64_t>(count);
 }
 
@@ -125,19 +136,10 @@ void Writer::copyChunk(const Chunk& chunk) {
 }
 
 void Writer::copyFromModel(std::int64_t begin, std::int64_t end) {
-    std::vector<std::byte> block(1 << 16);
-    modelStream_.clear();
-    modelStream_.seekg(begin);
-    while (begin < end) {
-        const auto count =
-            std::min<std::int64_t>(end - begin, static_cast<std::int64_t>(block.size()));
-        modelStream_.read(reinterpret_cast<char*>(block.data()), count);
-        if (modelStream_.gcount() != count)
-            throw platform::Error("The file \"" + platform::toUtf8(plan_.model) +
-                                  "\" could not be read again.");
-        put(block.data(), static_cast<std::size_t>(count));
-        begin += count;
-    }
+    if (begin >= end) return;
+    std::error_code error;
+    if (!output_.copyFrom(modelFile_, begin, end - begin, at_, error)) fail(error);
+    at_ += end - begin;
 }
 
 void Writer::padToEven() {
@@ -145,11 +147,8 @@ void Writer::padToEven() {
 }
 
 void Writer::patch(std::int64_t offset, const std::vector<std::byte>& bytes) {
-    errno = 0;
-    stream_.seekp(offset);
-    stream_.write(reinterpret_cast<const char*>(bytes.data()),
-                  static_cast<std::streamsize>(bytes.size()));
-    check();
+    std::error_code error;
+    if (!output_.writeAt(offset, bytes, error)) fail(error);
 }
 
 void Writer::patchSizes(std::int64_t fileSize) {
@@ -182,11 +181,9 @@ void Writer::patchSizes(std::int64_t fileSize) {
     if (factBody_ >= 0) patch(factBody_, number32(std::min<std::uint64_t>(frames, 0xFFFFFFFF)));
 }
 
-void Writer::check() {
-    if (stream_) return;
-    const std::string reason = errno != 0 ? std::strerror(errno) : "the system gives no reason";
+void Writer::fail(const std::error_code& reason) const {
     throw platform::Error("The file \"" + platform::toUtf8(file_) +
-                          "\" could not be written: " + reason + ".");
+                          "\" could not be written: " + reason.message() + ".");
 }
 
 }  // namespace audio::wave

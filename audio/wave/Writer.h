@@ -4,12 +4,14 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
+#include <functional>
 #include <optional>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 #include "audio/wave/Layout.h"
+#include "platform/FileHandle.h"
 
 namespace audio::wave {
 
@@ -41,6 +43,12 @@ class Writer {
 
     void write(const std::byte* bytes, std::size_t count);
 
+    /// Appends `count` bytes of the model's sound from its byte `offset` on, as they lie there and
+    /// without reading them: inside the system. `copied` is told of every stretch of up to 16 MB;
+    /// what it throws comes through.
+    void copySound(std::int64_t offset, std::int64_t count,
+                   const std::function<void(std::int64_t bytes)>& copied);
+
     /// Completes and closes the file.
     void finish();
 
@@ -58,14 +66,14 @@ class Writer {
     void padToEven();
     void patch(std::int64_t offset, const std::vector<std::byte>& bytes);
     void patchSizes(std::int64_t fileSize);
-    void check();
+    [[noreturn]] void fail(const std::error_code& reason) const;
     bool isOther(const Chunk& chunk) const;
 
     std::filesystem::path file_;
     Plan plan_;
     std::optional<Layout> model_;
-    std::ifstream modelStream_;
-    std::ofstream stream_;
+    platform::FileHandle modelFile_;
+    platform::FileHandle output_;
     std::int64_t at_ = 0;
     std::int64_t written_ = 0;
     std::int64_t sizesBody_ = -1;  ///< where the ds64 (or reserved JUNK) body lies

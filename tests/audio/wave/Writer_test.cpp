@@ -149,6 +149,58 @@ TEST_F(WaveWriter, BecomesRf64WhereRiffIsTooSmall) {
     }
 }
 
+TEST_F(WaveWriter, CarriesStretchesOfTheModelsSoundOver) {
+    const riff::Bytes sound = riff::pattern(std::size_t{40} << 20);
+    Builder().chunk("odd ", riff::pattern(7)).fmt().chunk("data", sound).save(model());
+    Plan plan = planFor();
+    plan.model = model();
+    plan.dataBytes = 33'000'007 + 4;
+    Writer writer(target(), plan);
+    std::vector<std::int64_t> stretches;
+    writer.copySound(5'000'001, 33'000'007,
+                     [&](std::int64_t bytes) { stretches.push_back(bytes); });
+    writer.write(sound.data(), 4);
+    writer.copySound(9, 0, [](std::int64_t) { FAIL(); });
+    writer.finish();
+
+    riff::Bytes expected = riff::part(sound, 5'000'001, 33'000'007);
+    expected.insert(expected.end(), sound.begin(), sound.begin() + 4);
+    EXPECT_TRUE(soundOf(target()) == expected);
+    EXPECT_EQ(othersOf(target()), othersOf(model()));
+    EXPECT_GE(stretches.size(), 3U);
+    std::int64_t sum = 0;
+    for (const std::int64_t stretch : stretches) {
+        EXPECT_LE(stretch, std::int64_t{16} << 20);
+        sum += stretch;
+    }
+    EXPECT_EQ(sum, 33'000'007);
+}
+
+TEST_F(WaveWriter, StopsWhereTheProgressThrows) {
+    Builder().fmt().chunk("data", riff::Bytes(std::size_t{40} << 20)).save(model());
+    Plan plan = planFor();
+    plan.model = model();
+    plan.dataBytes = std::int64_t{40} << 20;
+    Writer writer(target(), plan);
+    int stretches = 0;
+    EXPECT_THROW(writer.copySound(0, plan.dataBytes,
+                                  [&](std::int64_t) {
+                                      if (++stretches == 2) throw std::runtime_error("enough");
+                                  }),
+                 std::runtime_error);
+    EXPECT_LE(std::filesystem::file_size(target()), std::uintmax_t{33} << 20);
+}
+
+TEST_F(WaveWriter, AModelThatEndsEarlyIsAnError) {
+    Builder().fmt().chunk("data", riff::pattern(40'000)).save(model());
+    Plan plan = planFor();
+    plan.model = model();
+    plan.dataBytes = 40'000;
+    Writer writer(target(), plan);
+    std::filesystem::resize_file(model(), 20'000);
+    EXPECT_THROW(writer.copySound(0, 40'000, [](std::int64_t) {}), platform::Error);
+}
+
 TEST_F(WaveWriter, UnannouncedButSmallStaysRiff) {
     write(planFor(), riff::pattern(400));
     const Layout layout = readLayout(target());
