@@ -5,79 +5,101 @@
 #include <cmath>
 #include <limits>
 
-#include <ebur128.h>
-
 #include "platform/Error.h"
 
 namespace audio::dsp {
+namespace {
 
-struct LoudnessMeter::State {
-    ebur128_state* handle = nullptr;
-    ~State() {
-        if (handle != nullptr) ebur128_destroy(&handle);
-    }
-};
+constexpr double gatingBlockMs = 400;
+// The filters' memory is gone after it: the high-pass at 38 Hz is the slowest.
+constexpr double settlingMs = 400;
+constexpr float silent = -std::numeric_limits<float>::infinity();
 
-LoudnessMeter::LoudnessMeter(int sampleRate, int channels, double windowMs)
-    : state_(std::make_unique<State>()),
-      channels_(channels),
-      windowMs_(windowMs),
-      window_(static_cast<std::int64_t>(sampleRate * windowMs / 1000.0)),
-      step_(std::max<std::int64_t>(1, window_ / 10)) {
-    if (!(windowMs > 0) || windowMs > 60000 || window_ < 1)
-        throw platform::Error("The loudness window must be 1 to 60000 ms long.");
-    state_->handle = ebur128_init(static_cast<unsigned>(channels),
-                                  static_cast<unsigned long>(sampleRate), EBUR128_MODE_I);
-    const auto windowLength = static_cast<unsigned long>(std::max(400.0, std::ceil(windowMs)));
-    if (state_->handle == nullptr ||
-        ebur128_set_max_window(state_->handle, windowLength) == EBUR128_ERROR_NOMEM)
-        throw platform::Error("The loudness of sound with " + std::to_string(channels) +
-                              " channels at " + std::to_string(sampleRate) +
+std::int64_t framesOf(int sampleRate, double ms) {
+    return static_cast<std::int64_t>(sampleRate * ms / 1000.0);
+}
+
+}  // namespace
+
+void LoudnessState::Destroy::operator()(ebur128_state* state) const {
+    ebur128_destroy(&state);
+}
+
+LoudnessState::LoudnessState(const LoudnessShape& shape, double windowMs)
+    : channels_(static_cast<std::size_t>(shape.channels)),
+      state_(ebur128_init(static_cast<unsigned>(shape.channels),
+                          static_cast<unsigned long>(shape.sampleRate), EBUR128_MODE_I)) {
+    const auto longest = static_cast<unsigned long>(std::max(gatingBlockMs, std::ceil(windowMs)));
+    if (!state_ || ebur128_set_max_window(get(), longest) == EBUR128_ERROR_NOMEM)
+        throw platform::Error("The loudness of sound with " + std::to_string(shape.channels) +
+                              " channels at " + std::to_string(shape.sampleRate) +
                               " Hz cannot be measured.");
     // A single channel is heard from two loudspeakers; libebur128 would count it once.
-    if (channels == 1) ebur128_set_channel(state_->handle, 0, EBUR128_DUAL_MONO);
+    if (shape.channels == 1) ebur128_set_channel(get(), 0, EBUR128_DUAL_MONO);
 }
 
-LoudnessMeter::~LoudnessMeter() = default;
-
-void LoudnessMeter::add(std::span<const float> interleaved) {
-    const std::size_t frameSize = static_cast<std::size_t>(channels_);
-    while (!interleaved.empty()) {
-        const std::size_t count =
-            std::min(interleaved.size() / frameSize, static_cast<std::size_t>(step_ - intoStep_));
-        if (count == 0) return;
-        if (ebur128_add_frames_float(state_->handle, interleaved.data(), count) != EBUR128_SUCCESS)
-            throw platform::Error("There is not enough memory to measure the loudness.");
-        interleaved = interleaved.subspan(count * frameSize);
-        frames_ += static_cast<std::int64_t>(count);
-        intoStep_ += static_cast<std::int64_t>(count);
-        if (intoStep_ < step_) continue;
-        intoStep_ = 0;
-        if (frames_ >= window_) measureWindow();
-    }
+void LoudnessState::add(std::span<const float> interleaved) {
+    if (ebur128_add_frames_float(get(), interleaved.data(), interleaved.size() / channels_) !=
+        EBUR128_SUCCESS)
+        throw platform::Error("There is not enough memory to measure the loudness.");
 }
 
-void LoudnessMeter::finish() {
-    if (frames_ >= window_ && intoStep_ > 0) measureWindow();
+double GatingMeter::gatedLoudness(const std::vector<GatingMeter>& stretches) {
+    std::vector<ebur128_state*> states;
+    for (const GatingMeter& stretch : stretches) states.push_back(stretch.state_.get());
+    double loudness = silent;
+    if (ebur128_loudness_global_multiple(states.data(), states.size(), &loudness) !=
+        EBUR128_SUCCESS)
+        return silent;
+    return loudness;
 }
 
-std::int64_t LoudnessMeter::windowEnd(std::size_t index) const {
+WindowGrid::WindowGrid(int sampleRate, double windowMs, std::int64_t frames)
+    : windowMs_(windowMs),
+      window_(framesOf(sampleRate, windowMs)),
+      step_(std::max<std::int64_t>(1, window_ / 10)),
+      frames_(frames) {
+    if (!(windowMs > 0) || windowMs > 60000 || window_ < 1)
+        throw platform::Error("The loudness window must be 1 to 60000 ms long.");
+}
+
+std::size_t WindowGrid::count() const {
+    if (frames_ < window_) return 0;
+    const std::int64_t whole = frames_ / step_ - (window_ + step_ - 1) / step_ + 1;
+    return static_cast<std::size_t>(whole + (frames_ % step_ != 0 ? 1 : 0));
+}
+
+std::int64_t WindowGrid::end(std::size_t index) const {
     // The first window ends with the first step that completes it.
     const std::int64_t first = (window_ + step_ - 1) / step_ * step_;
     return std::min(frames_, first + static_cast<std::int64_t>(index) * step_);
 }
 
-double LoudnessMeter::gatedLoudness() const {
-    double loudness = 0;
-    if (ebur128_loudness_global(state_->handle, &loudness) != EBUR128_SUCCESS)
-        return -std::numeric_limits<double>::infinity();
-    return loudness;
+WindowMeter::WindowMeter(const LoudnessShape& shape, const WindowGrid& grid, std::size_t first)
+    : state_(shape, grid.windowMs()),
+      channels_(static_cast<std::size_t>(shape.channels)),
+      grid_(grid),
+      next_(first),
+      start_(std::max<std::int64_t>(
+          0, grid.end(first) - grid.window() - framesOf(shape.sampleRate, settlingMs))),
+      at_(start_) {}
+
+void WindowMeter::add(std::span<const float> interleaved) {
+    while (!interleaved.empty() && next_ < grid_.count()) {
+        const auto wanted = static_cast<std::size_t>(grid_.end(next_) - at_);
+        const std::size_t frames = std::min(interleaved.size() / channels_, wanted);
+        state_.add(interleaved.first(frames * channels_));
+        interleaved = interleaved.subspan(frames * channels_);
+        at_ += static_cast<std::int64_t>(frames);
+        if (frames == wanted) measure();
+    }
 }
 
-void LoudnessMeter::measureWindow() {
-    double loudness = -std::numeric_limits<double>::infinity();
-    ebur128_loudness_window(state_->handle, static_cast<unsigned long>(windowMs_), &loudness);
+void WindowMeter::measure() {
+    double loudness = silent;
+    ebur128_loudness_window(state_.get(), static_cast<unsigned long>(grid_.windowMs()), &loudness);
     windows_.push_back(static_cast<float>(loudness));
+    ++next_;
 }
 
 }  // namespace audio::dsp

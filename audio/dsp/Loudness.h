@@ -6,46 +6,100 @@
 #include <span>
 #include <vector>
 
+#include <ebur128.h>
+
+/// Loudness by ITU-R BS.1770, measured by libebur128. Meters are fed interleaved frames in order;
+/// different meters may be fed on different threads at a time.
 namespace audio::dsp {
 
-/// The loudness of a sound and of a window that moves over it by a tenth of its length, by
-/// ITU-R BS.1770 (libebur128). Memory: four bytes per step of the window.
-class LoudnessMeter {
+/// A sound of which loudness is measured. A plain value.
+struct LoudnessShape {
+    int sampleRate = 0;
+    int channels = 0;
+};
+
+/// An owner of libebur128's state.
+class LoudnessState {
   public:
-    /// `windowMs` > 0. Throws platform::Error for a rate or channel count that cannot be measured.
-    LoudnessMeter(int sampleRate, int channels, double windowMs);
-    ~LoudnessMeter();
-    LoudnessMeter(const LoudnessMeter&) = delete;
-    LoudnessMeter& operator=(const LoudnessMeter&) = delete;
+    /// `windowMs`: the longest stretch that will be asked for. Throws platform::Error for a rate or
+    /// number of channels that cannot be measured.
+    LoudnessState(const LoudnessShape& shape, double windowMs);
 
-    /// The next frames of the sound.
     void add(std::span<const float> interleaved);
-    /// After the last frame: measures the last, shorter step too.
-    void finish();
-
-    std::int64_t windowFrames() const { return window_; }
-    std::int64_t stepFrames() const { return step_; }
-    std::int64_t frames() const { return frames_; }
-
-    /// LUFS of window i, which ends at frame windowEnd(i); −∞ for silence.
-    const std::vector<float>& windows() const { return windows_; }
-    std::int64_t windowEnd(std::size_t index) const;
-
-    /// The gated loudness of the whole sound in LUFS; −∞ where it is silent or shorter than one
-    /// gating block of 400 ms.
-    double gatedLoudness() const;
+    ebur128_state* get() const { return state_.get(); }
 
   private:
-    struct State;
-    void measureWindow();
+    struct Destroy {
+        void operator()(ebur128_state* state) const;
+    };
+    std::size_t channels_;
+    std::unique_ptr<ebur128_state, Destroy> state_;
+};
 
-    std::unique_ptr<State> state_;
-    int channels_;
+/// Gathers the gating blocks of a stretch of sound: 400 ms long, one every 100 ms (BS.1770-4,
+/// annex 1). A sound may be measured in several stretches: each but the first begins
+/// `leadFrames()` before the end of the one before it, which begins at a multiple of
+/// `stepFrames()`, so that no block is lost and none counted twice.
+class GatingMeter {
+  public:
+    explicit GatingMeter(const LoudnessShape& shape) : state_(shape, 0) {}
+
+    void add(std::span<const float> interleaved) { state_.add(interleaved); }
+
+    static std::int64_t stepFrames(int sampleRate) { return (sampleRate + 5) / 10; }
+    static std::int64_t leadFrames(int sampleRate) { return 3 * stepFrames(sampleRate); }
+
+    /// The gated loudness of all that the stretches hold, in LUFS; −∞ where it is silent or shorter
+    /// than one block.
+    static double gatedLoudness(const std::vector<GatingMeter>& stretches);
+
+  private:
+    LoudnessState state_;
+};
+
+/// Where the windows of a sound lie: each moved by a tenth of its length against the one before.
+class WindowGrid {
+  public:
+    /// A window of `windowMs`, at most 60,000. Throws platform::Error where it holds no frame.
+    WindowGrid(int sampleRate, double windowMs, std::int64_t frames);
+
+    double windowMs() const { return windowMs_; }
+    std::int64_t window() const { return window_; }  ///< frames
+    std::int64_t step() const { return step_; }      ///< frames
+    std::int64_t frames() const { return frames_; }  ///< of the sound
+    std::size_t count() const;
+    /// The frame behind window `index`: a multiple of the step, but for the last one's, which is
+    /// the sound's end.
+    std::int64_t end(std::size_t index) const;
+
+  private:
     double windowMs_;
     std::int64_t window_;
     std::int64_t step_;
-    std::int64_t frames_ = 0;
-    std::int64_t intoStep_ = 0;
+    std::int64_t frames_;
+};
+
+/// Measures some windows of a grid.
+class WindowMeter {
+  public:
+    /// Windows from number `first` on.
+    WindowMeter(const LoudnessShape& shape, const WindowGrid& grid, std::size_t first);
+
+    /// The frame that has to be fed first: far enough ahead for the filters to settle.
+    std::int64_t start() const { return start_; }
+    void add(std::span<const float> interleaved);
+    /// LUFS of window `first` and those behind it, as far as sound was fed; −∞ for silence.
+    const std::vector<float>& windows() const { return windows_; }
+
+  private:
+    void measure();
+
+    LoudnessState state_;
+    std::size_t channels_;
+    const WindowGrid& grid_;
+    std::size_t next_;
+    std::int64_t start_;
+    std::int64_t at_;  // the next frame to be fed
     std::vector<float> windows_;
 };
 

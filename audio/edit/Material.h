@@ -38,6 +38,9 @@ class Material {
     Material& operator=(const Material&) = delete;
 
     virtual std::int64_t frames() const = 0;
+    /// Whether a reader gets to any frame without rendering all that lies before it, so that
+    /// several readers can share the work.
+    virtual bool seeksFast() const { return false; }
     /// A reader of its own, at frame 0. Any thread. The material must outlive it.
     virtual std::unique_ptr<FrameReader> open() const = 0;
 };

@@ -22,6 +22,7 @@ class SourceMaterial : public Material {
     ~SourceMaterial() override;
 
     std::int64_t frames() const override { return frames_; }
+    bool seeksFast() const override { return format_.container != codec::Container::Other; }
     std::unique_ptr<FrameReader> open() const override;
 
     const std::filesystem::path& path() const { return path_; }

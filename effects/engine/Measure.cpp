@@ -2,56 +2,79 @@
 #include "effects/engine/Measure.h"
 
 #include <algorithm>
-#include <memory>
 #include <vector>
 
 #include "audio/dsp/Gain.h"
 #include "audio/dsp/Loudness.h"
 #include "audio/dsp/Silence.h"
 #include "audio/edit/EditReader.h"
-#include "audio/edit/ReadAhead.h"
+#include "audio/edit/ParallelScan.h"
 
 namespace effects {
 namespace {
 
+using audio::dsp::GatingMeter;
+using audio::dsp::LoudnessShape;
+using audio::dsp::WindowGrid;
+using audio::dsp::WindowMeter;
 using audio::edit::EditList;
 using audio::edit::FrameRange;
 using audio::edit::Work;
 
-template <typename Take>
-void readAll(const EditList& list, FrameRange range, Work& work, Take take) {
-    constexpr std::size_t blockFrames = 16384;
-    const int channels = list.shape().channels;
-    std::vector<float> block(blockFrames * static_cast<std::size_t>(channels));
-    audio::edit::ReadAhead reader(std::make_unique<audio::edit::EditReader>(list.slice(range)),
-                                  channels);
-    work.begin(range.end - range.start);
-    while (const std::size_t got = reader.read(block.data(), blockFrames)) {
-        take(std::span<const float>(block.data(), got * static_cast<std::size_t>(channels)));
-        work.advance(static_cast<std::int64_t>(got));
+// Each piece but the first begins as much earlier as its first gating block needs.
+double measureLoudness(const EditList& list, FrameRange range, Work& work) {
+    const auto [rate, channels] = list.shape();
+    auto pieces = audio::edit::piecesOf(list, range, GatingMeter::stepFrames(rate));
+    std::vector<GatingMeter> meters;
+    for (FrameRange& piece : pieces) {
+        piece.start = std::max(range.start, piece.start - GatingMeter::leadFrames(rate));
+        meters.emplace_back(LoudnessShape{rate, channels});
     }
+    audio::edit::scan(list, pieces, work,
+                      [&meters](std::size_t number, std::span<const float> samples) {
+                          meters[number].add(samples);
+                      });
+    return GatingMeter::gatedLoudness(meters);
+}
+
+std::vector<float> measureWindows(const EditList& list, const WindowGrid& grid, std::size_t first,
+                                  std::size_t count, Work& work) {
+    const auto [rate, channels] = list.shape();
+    WindowMeter meter({rate, channels}, grid, first);
+    audio::edit::scan(list, {{meter.start(), grid.end(first + count - 1)}}, work,
+                      [&meter](std::size_t, std::span<const float> some) { meter.add(some); });
+    return meter.windows();
 }
 
 }  // namespace
 
 std::vector<float> measurePeaks(const EditList& list, FrameRange range, bool linked, Work& work) {
-    std::vector<float> peaks(linked ? 1 : static_cast<std::size_t>(list.shape().channels));
-    readAll(list, range, work, [&](std::span<const float> samples) {
+    const std::size_t channels = linked ? 1 : static_cast<std::size_t>(list.shape().channels);
+    const auto pieces = audio::edit::piecesOf(list, range, 1);
+    std::vector<std::vector<float>> peaks(pieces.size(), std::vector<float>(channels));
+    work.begin(range.end - range.start);
+    audio::edit::scan(list, pieces, work, [&](std::size_t number, std::span<const float> samples) {
         if (linked)
-            peaks[0] = std::max(peaks[0], audio::dsp::peak(samples));
+            peaks[number][0] = std::max(peaks[number][0], audio::dsp::peak(samples));
         else
-            audio::dsp::raisePeaks(samples, peaks);
+            audio::dsp::raisePeaks(samples, peaks[number]);
     });
-    return peaks;
+    std::vector<float> highest(channels);
+    for (const auto& some : peaks)
+        for (std::size_t i = 0; i < channels; ++i) highest[i] = std::max(highest[i], some[i]);
+    return highest;
 }
 
 FrameRange measureAudible(const EditList& list, FrameRange range, const SilenceSettings& settings,
                           Work& work) {
-    const auto& shape = list.shape();
-    audio::dsp::LoudnessMeter meter(shape.sampleRate, shape.channels, settings.windowMs);
-    readAll(list, range, work, [&meter](std::span<const float> samples) { meter.add(samples); });
-    meter.finish();
-    const FrameRange kept = audio::dsp::audibleRange(meter, settings.threshold);
+    const EditList sound = list.slice(range);
+    const WindowGrid grid(list.shape().sampleRate, settings.windowMs, sound.frames());
+    work.begin(sound.frames());
+    const double loudness = measureLoudness(sound, {0, sound.frames()}, work);
+    const FrameRange kept = audio::dsp::audibleRange(
+        grid, loudness, settings.threshold, [&](std::size_t first, std::size_t count) {
+            return measureWindows(sound, grid, first, count, work);
+        });
     return {range.start + kept.start, range.start + kept.end};
 }
 

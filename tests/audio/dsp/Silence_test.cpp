@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "audio/dsp/Silence.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 #include <vector>
@@ -24,13 +25,33 @@ std::vector<float> tone(int before, int sound, int after, float level) {
     return samples;
 }
 
+constexpr LoudnessShape oneChannel{rate, 1};
+
+// In pieces, as it is read from files; what a stretch needs ahead of it is repeated.
+double gatedLoudness(const std::vector<float>& mono, std::size_t stretches) {
+    const auto step = static_cast<std::size_t>(GatingMeter::stepFrames(rate));
+    const auto lead = static_cast<std::size_t>(GatingMeter::leadFrames(rate));
+    const std::size_t length = (mono.size() / stretches / step + 1) * step;
+    std::vector<GatingMeter> meters;
+    for (std::size_t start = 0; start < std::max<std::size_t>(1, mono.size()); start += length) {
+        const std::size_t from = start - std::min(start, lead);
+        const std::size_t end = std::min(mono.size(), start + length);
+        meters.emplace_back(oneChannel);
+        for (std::size_t at = from; at < end; at += 1000)
+            meters.back().add(std::span(mono).subspan(at, std::min<std::size_t>(1000, end - at)));
+    }
+    return GatingMeter::gatedLoudness(meters);
+}
+
 FrameRange rangeOf(const std::vector<float>& mono) {
-    LoudnessMeter meter(rate, 1, 100);
-    for (std::size_t start = 0; start < mono.size(); start += 1000)
-        meter.add(std::span(mono).subspan(start, std::min<std::size_t>(1000, mono.size() - start)));
-    meter.finish();
-    EXPECT_EQ(meter.frames(), static_cast<std::int64_t>(mono.size()));
-    return audibleRange(meter, -20);
+    const WindowGrid grid(rate, 100, static_cast<std::int64_t>(mono.size()));
+    return audibleRange(grid, gatedLoudness(mono, 1), -20, [&](std::size_t first, std::size_t n) {
+        WindowMeter meter(oneChannel, grid, first);
+        const auto start = static_cast<std::size_t>(meter.start());
+        const auto end = static_cast<std::size_t>(grid.end(first + n - 1));
+        meter.add(std::span(mono).subspan(start, end - start));
+        return meter.windows();
+    });
 }
 
 }  // namespace
@@ -78,8 +99,48 @@ TEST(Loudness, TheReferenceToneHasTheReferenceLoudness) {
     const std::vector<float> mono = tone(0, 5000, 0, static_cast<float>(std::pow(10, -23 / 20.0)));
     std::vector<float> stereo;
     for (const float sample : mono) stereo.insert(stereo.end(), {sample, sample});
-    LoudnessMeter meter(rate, 2, 100);
-    meter.add(stereo);
-    meter.finish();
-    EXPECT_NEAR(meter.gatedLoudness(), -23.0, 0.1);
+    std::vector<GatingMeter> meters;
+    meters.emplace_back(LoudnessShape{rate, 2});
+    meters.front().add(stereo);
+    EXPECT_NEAR(GatingMeter::gatedLoudness(meters), -23.0, 0.1);
+}
+
+TEST(Loudness, StretchesMeasureAsTheWholeDoes) {
+    // Loud, quiet and silent parts, so that both gates are at work.
+    std::vector<float> sound = tone(700, 9000, 0, 0.5F);
+    for (const float level : {0.05F, 0.3F, 0.001F}) {
+        const std::vector<float> more = tone(300, 7000, 500, level);
+        sound.insert(sound.end(), more.begin(), more.end());
+    }
+    const double whole = gatedLoudness(sound, 1);
+    for (const std::size_t stretches : {2, 3, 7, 16})
+        EXPECT_NEAR(gatedLoudness(sound, stretches), whole, 0.005) << stretches << " stretches";
+}
+
+TEST(Loudness, AWindowMeasuresTheSameWhereverMeasuringBegan) {
+    const std::vector<float> sound = tone(1000, 3000, 700, 0.4F);
+    const WindowGrid grid(rate, 100, static_cast<std::int64_t>(sound.size()));
+    WindowMeter all(oneChannel, grid, 0);
+    all.add(sound);
+    ASSERT_EQ(all.windows().size(), grid.count());
+    for (const std::size_t first : {std::size_t{1}, std::size_t{150}, grid.count() - 3}) {
+        WindowMeter some(oneChannel, grid, first);
+        some.add(std::span(sound).subspan(static_cast<std::size_t>(some.start())));
+        ASSERT_EQ(some.windows().size(), grid.count() - first);
+        const auto audible = [](float window) { return std::max(window, -100.0F); };
+        for (std::size_t i = 0; i < some.windows().size(); ++i)
+            EXPECT_NEAR(audible(some.windows()[i]), audible(all.windows()[first + i]), 0.001);
+    }
+}
+
+TEST(Loudness, TheGridEndsWithTheSound) {
+    EXPECT_EQ(WindowGrid(rate, 100, 4409).count(), 0U);
+    EXPECT_EQ(WindowGrid(rate, 100, 4410).count(), 1U);
+    EXPECT_EQ(WindowGrid(rate, 100, 4411).count(), 2U);
+    EXPECT_EQ(WindowGrid(rate, 100, 4411).end(1), 4411);
+    EXPECT_EQ(WindowGrid(rate, 100, 4410 + 441).count(), 2U);
+    // A window that is no multiple of its step: the first ends with the step that completes it.
+    EXPECT_EQ(WindowGrid(11025, 100, 1102).count(), 1U);
+    EXPECT_EQ(WindowGrid(11025, 100, 1102).end(0), 1102);
+    EXPECT_EQ(WindowGrid(11025, 100, 1210).end(0), 1210);
 }
