@@ -11,11 +11,14 @@
 namespace audio::mpeg {
 namespace {
 
-// A multiple of 49 frames: after so many, the padding of every bit-rate at 44.1 kHz and its halves
-// begins anew, so that chunks that start there carry it on.
-constexpr std::int64_t chunkFrames = 49 * 20;
-// A region too short for two such chunks, but not shorter than this, is halved: two cores share it.
-constexpr std::int64_t shortestHalved = 300;
+// After so many frames the padding of every bit-rate at 44.1 kHz and its halves begins anew, so
+// that a chunk that starts there carries it on.
+constexpr std::int64_t paddingPeriod = 49;
+// A chunk costs the frames that it shares with its neighbours, so long ones are cheap; but each
+// that is in work takes memory.
+constexpr std::int64_t longestChunk = 30 * paddingPeriod;
+// A region that is shorter is not worth sharing between cores.
+constexpr std::int64_t shortestShared = 300;
 // How far a chunk's frames run on into the next one's, for a place where both fit.
 constexpr std::int64_t overlapFrames = 32;
 // Frames after which an encoder has forgotten that it started here; the reservoir takes longest.
@@ -60,10 +63,13 @@ std::int64_t encoderStart(const Geometry& geometry, std::int64_t start, std::int
     return -((geometry.codecDelay + geometry.frame - 1) / geometry.frame);
 }
 
-// Never of the number of threads: the bytes must not depend on it.
+// An even number of chunks of one length, so that the last does not leave cores idle. It never
+// follows the number of threads: the bytes must not depend on it.
 std::int64_t chunkLength(std::int64_t region) {
-    if (region >= chunkFrames + chunkFrames / 2 || region < shortestHalved) return chunkFrames;
-    return (region + 1) / 2;
+    if (region < shortestShared) return region;
+    const std::int64_t pairs = (region + 2 * longestChunk - 1) / (2 * longestChunk);
+    const std::int64_t length = region / (2 * pairs);
+    return (length + paddingPeriod / 2) / paddingPeriod * paddingPeriod;
 }
 
 }  // namespace
@@ -76,7 +82,7 @@ std::vector<ChunkPlan> planChunks(const EncoderSettings& settings, std::int64_t 
     std::int64_t from = first;
     while (from < end) {
         // A short rest goes with the chunk before.
-        const bool last = end - from < usual + usual / 2;
+        const bool last = end - (from + usual) < (usual + 1) / 2;
         const std::int64_t to = last ? end : from + usual;
         ChunkPlan plan;
         plan.first = from;
@@ -111,7 +117,6 @@ Chunk ChunkEncoder::next() {
     }
     Chunk chunk = running_.front().get();
     running_.pop_front();
-    if (started_ < plans_.size()) start(plans_[started_++]);
     return chunk;
 }
 
@@ -134,8 +139,8 @@ std::shared_ptr<const std::vector<float>> ChunkEncoder::readSound(const ChunkPla
     const auto channels = static_cast<std::size_t>(settings_.channels());
     const std::int64_t from = plan.encodeFrom * geometry_.frame + geometry_.codecDelay;
     const std::int64_t end = (plan.end + postRoll) * geometry_.frame + geometry_.codecDelay;
-    auto sound =
-        std::make_shared<std::vector<float>>(static_cast<std::size_t>(end - from) * channels);
+    auto sound = spareSound();
+    sound->resize(static_cast<std::size_t>(end - from) * channels);
     // What the chunk before had already asked for is taken from there.
     std::size_t known = 0;
     if (lastSound_ && from >= lastSoundFrom_) {
@@ -150,6 +155,14 @@ std::shared_ptr<const std::vector<float>> ChunkEncoder::readSound(const ChunkPla
     lastSound_ = sound;
     lastSoundFrom_ = from;
     return sound;
+}
+
+// Memory of chunks that are done serves again: new pages are slow.
+std::shared_ptr<std::vector<float>> ChunkEncoder::spareSound() {
+    for (const auto& sound : sounds_)
+        if (sound.use_count() == 1) return sound;
+    sounds_.push_back(std::make_shared<std::vector<float>>());
+    return sounds_.back();
 }
 
 std::vector<LogicalFrame> ChunkEncoder::cheaper(const Chunk& chunk, std::int64_t first,

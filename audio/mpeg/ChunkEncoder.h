@@ -35,9 +35,9 @@ struct Chunk {
     }
 };
 
-/// Frames [first, end) of the new stream as chunks of a fixed length, so that the result depends on
-/// no number of threads. `reach` frames before and behind are encoded too, where a search for a
-/// seam may want them.
+/// Frames [first, end) of the new stream as chunks of about one length, an even number of them.
+/// They depend on the region alone, so that the result depends on no number of threads. Each but
+/// the last runs on into the next one's frames, for a place where both fit.
 std::vector<ChunkPlan> planChunks(const EncoderSettings& settings, std::int64_t start,
                                   std::int64_t first, std::int64_t end);
 
@@ -60,6 +60,7 @@ class ChunkEncoder {
   private:
     void start(const ChunkPlan& plan);
     std::shared_ptr<const std::vector<float>> readSound(const ChunkPlan& plan);
+    std::shared_ptr<std::vector<float>> spareSound();
 
     EncoderSettings settings_;
     Geometry geometry_;
@@ -70,6 +71,7 @@ class ChunkEncoder {
     std::size_t ahead_;
     std::counting_semaphore<> turns_;
     std::deque<std::future<Chunk>> running_;
+    std::vector<std::shared_ptr<std::vector<float>>> sounds_;  // all there are, in use or not
     std::shared_ptr<const std::vector<float>> lastSound_;
     std::int64_t lastSoundFrom_ = 0;  // raw
 };

@@ -71,8 +71,8 @@ SpliceOutcome gain(const std::filesystem::path& file, const FrameIndex& index, i
     if (info) {
         info->clearLevels();
         info->putChecksums(writer);
-        writer.sink().rewrite(0, info->bytes());
     }
+    writer.finish(info ? info->bytes() : std::span<const std::uint8_t>{});
     if (options.progress) options.progress(1.0);
     SpliceOutcome outcome;
     outcome.bytes = writer.bytes();

@@ -107,8 +107,8 @@ SpliceOutcome finish(const Layout& layout, const Geometry& geometry, StreamWrite
         info->fillIn(layout, geometry, writer);
         if (levelChanged) info->clearLevels();
         info->putChecksums(writer);
-        writer.sink().rewrite(0, info->bytes());
     }
+    writer.finish(info ? info->bytes() : std::span<const std::uint8_t>{});
     SpliceOutcome outcome;
     outcome.bytes = writer.bytes();
     outcome.frames = layout.frames;

@@ -6,18 +6,41 @@
 #include "audio/mpeg/Checksums.h"
 
 namespace audio::mpeg {
+namespace {
+
+// Frames are small; a call of the system for each would cost more than the copy.
+constexpr std::size_t heldBytes = 256 * 1024;
+
+}  // namespace
 
 StreamWriter::StreamWriter(StreamSink& sink, std::int64_t frames) : sink_(sink), frames_(frames) {}
 
 void StreamWriter::writeInfoFrame(std::span<const std::uint8_t> bytes) {
-    sink_.write(bytes);
-    bytes_ += static_cast<std::int64_t>(bytes.size());
+    pass(bytes);
 }
 
 void StreamWriter::write(std::span<const std::uint8_t> bytes) {
     crc_ = lameCrc(crc_, bytes);
-    sink_.write(bytes);
+    pass(bytes);
+}
+
+void StreamWriter::pass(std::span<const std::uint8_t> bytes) {
     bytes_ += static_cast<std::int64_t>(bytes.size());
+    if (held_.size() + bytes.size() > heldBytes) {
+        sink_.write(held_);
+        held_.clear();
+    }
+    if (bytes.size() > heldBytes / 4 && held_.empty()) {
+        sink_.write(bytes);
+    } else {
+        held_.insert(held_.end(), bytes.begin(), bytes.end());
+    }
+}
+
+void StreamWriter::finish(std::span<const std::uint8_t> infoFrame) {
+    sink_.write(held_);
+    held_.clear();
+    if (!infoFrame.empty()) sink_.rewrite(0, infoFrame);
 }
 
 void StreamWriter::noteFrame(std::span<const std::uint8_t> frame, std::int64_t ahead) {

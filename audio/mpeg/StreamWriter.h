@@ -5,13 +5,14 @@
 #include <cstdint>
 #include <functional>
 #include <span>
+#include <vector>
 
 #include "audio/mpeg/Splice.h"
 
 namespace audio::mpeg {
 
-/// Passes a stream on to its sink, and notes what an info frame tells of it: bytes, checksum, table
-/// of contents. One thread.
+/// Passes a stream on to its sink, in large pieces, and notes what an info frame tells of it:
+/// bytes, checksum, table of contents. One thread.
 class StreamWriter {
   public:
     /// `frames` = frames of sound that will be written.
@@ -32,14 +33,18 @@ class StreamWriter {
     std::uint16_t musicCrc() const { return crc_; }
     /// The hundred bytes of a Xing table of contents.
     std::array<std::uint8_t, 100> tableOfContents() const;
-    StreamSink& sink() { return sink_; }
+    /// Hands over what is still held back, and the info frame as it has become; the last call.
+    void finish(std::span<const std::uint8_t> infoFrame);
 
   private:
+    void pass(std::span<const std::uint8_t> bytes);
+
     StreamSink& sink_;
     std::int64_t frames_;
     std::int64_t bytes_ = 0;
     std::int64_t noted_ = 0;
     std::uint16_t crc_ = 0;
+    std::vector<std::uint8_t> held_;  ///< written, but not yet passed on
     std::array<std::int64_t, 100> offsets_{};
     std::size_t filled_ = 0;
     Listener listener_;

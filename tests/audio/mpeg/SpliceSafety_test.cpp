@@ -70,6 +70,7 @@ Bytes rewritten(const std::vector<LogicalFrame>& frames) {
     ReservoirWriter out(writer, frames.front().header);
     for (const FittedFrame& frame : fit(problem)) out.add(frame.frame, frame.slot);
     out.finish();
+    writer.finish({});
     return sink.bytes();
 }
 
