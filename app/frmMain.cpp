@@ -100,6 +100,7 @@ frmMain::frmMain(QWidget* parent)
     connectShortcuts();
     Form_Initialize();
     Form_Load();
+    connectMediaKeys();
 }
 
 frmMain::~frmMain() = default;

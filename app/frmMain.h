@@ -95,6 +95,7 @@ class frmMain : public QWidget {
 
     // frmMain_keys.cpp
     void connectShortcuts();
+    void connectMediaKeys();
 
     // frmMain_menus.cpp
     void buildMenus();
@@ -185,6 +186,7 @@ class frmMain : public QWidget {
     std::unique_ptr<effects::EffectDialogs> dialogs_;
     QPointer<wizard::frmFadeWizard2> frmFadeWizard2;  // the visit in hand, if there is one
     std::int16_t TotalMinutes = 0;                    // of the list, written by Timer2_Timer
+    std::unique_ptr<QObject> mediaKeys_;              // where the desktop has any
     bool closing_ = false;  // the window was closed; long work ends after the file in hand
 };
 

@@ -7,8 +7,8 @@
 #include <QShortcut>
 
 #include "app/frmMain.h"
+#include "app/mediakeys/MediaKeys.h"
 #include "player/deck/Deck.h"
-#include "player/engine/PlayerEngine.h"
 #include "ui_frmMain.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -43,6 +43,12 @@ void frmMain::connectShortcuts() {
     volume(u"Ctrl+-"_s, -5);
 }
 
+void frmMain::connectMediaKeys() {
+    mediaKeys_ = attachMediaKeys({*this, *PlayerEngine1, *deck_, *ui_->CommandPlay1,
+                                  *ui_->CommandPause1, *ui_->CommandStop1, *ui_->CommandNext1,
+                                  *ui_->CommandPrev1, *ui_->Slider1, *ui_->SliderVolume1});
+}
+
 // Only keys that the control with the focus had no use for come here: a space pressed on a button
 // stays there. A text keeps all its keys, also those that it ignores because it is read-only.
 void frmMain::keyPressEvent(QKeyEvent* event) {
@@ -50,11 +56,8 @@ void frmMain::keyPressEvent(QKeyEvent* event) {
     const auto beyondKeypad = event->modifiers() & ~Qt::KeyboardModifiers(Qt::KeypadModifier);
     if (inText || beyondKeypad) return QWidget::keyPressEvent(event);
     switch (event->key()) {
-        case Qt::Key_Space: {
-            const bool idle =
-                !deck_->locked() || PlayerEngine1->GetPlayerStatus(0) == player::StatusStopped;
-            return (idle ? ui_->CommandPlay1 : ui_->CommandPause1)->click();
-        }
+        case Qt::Key_Space:
+            return (deck_->idle() ? ui_->CommandPlay1 : ui_->CommandPause1)->click();
         case Qt::Key_Return:
         case Qt::Key_Enter:
             return ui_->CommandPlay1->click();

@@ -86,10 +86,26 @@ void Deck::VolumeChanged() {
 
 void Deck::SeekTo(double share) {
     const std::int64_t length = engine_.LengthMs(0);
-    if (length <= 0) return;
+    if (length > 0) SeekToMs(static_cast<std::int64_t>(static_cast<double>(length) * share));
+}
+
+void Deck::SeekToMs(std::int64_t position) {
     engine_.SetPositionUnit(UnitMilliseconds);
-    engine_.Seek(0, static_cast<std::int32_t>(static_cast<double>(length) * share));
+    engine_.Seek(0, static_cast<std::int32_t>(position));
     ShowPosition();
+}
+
+bool Deck::idle() const {
+    return !locked_ || engine_.GetPlayerStatus(0) == StatusStopped;
+}
+
+// A command that yields may be under way, and counts on its unit.
+std::int64_t Deck::PositionMs() {
+    const std::int16_t unit = engine_.PositionUnit();
+    engine_.SetPositionUnit(UnitMilliseconds);
+    const std::int32_t position = engine_.GetPosition(0);
+    engine_.SetPositionUnit(unit);
+    return position;
 }
 
 void Deck::TestFadeOverlay() {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <cstdint>
+
 #include "player/deck/DeckControls.h"
 
 namespace player {
@@ -26,6 +28,7 @@ class Deck {
     void VolumeChanged();
     /// To a place in the current entry, 0 to 1.
     void SeekTo(double share);
+    void SeekToMs(std::int64_t position);
 
     /// Hears how two entries overlap: the second half-minute of the selected one fades out while
     /// the next one (after the last, the first) fades in on player 1. Stop ends both.
@@ -33,6 +36,10 @@ class Deck {
 
     /// From Play to Stop, while the editing of the list is locked.
     bool locked() const { return locked_; }
+    /// Whether one key for both would have to play, not to pause or resume.
+    bool idle() const;
+    /// Milliseconds into the current entry; negative = nothing loaded.
+    std::int64_t PositionMs();
 
     /// Percent, position text and slider, every half second.
     void ShowPosition();
