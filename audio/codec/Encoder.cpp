@@ -37,7 +37,7 @@ std::unique_ptr<Encoder::Sink> openSink(const std::filesystem::path& file, const
     if (!recipe)
         throw fileError(file, "cannot be written: there is no encoder for \"" + format.codecName +
                                   "\" in this kind of file");
-    return std::make_unique<MuxerSink>(file, format, recipe);
+    return std::make_unique<MuxerSink>(file, format, recipe, options.threads);
 }
 
 template <std::size_t Count>

@@ -29,6 +29,10 @@ struct EncoderOptions {
     /// Ogg Vorbis: the whole comment header packet, written as it stands. Empty: one with only a
     /// vendor text.
     std::vector<std::uint8_t> vorbisComment;
+
+    /// How many threads may encode where the format lets several; 0: one for each core. The bytes
+    /// do not depend on it.
+    int threads = 0;
 };
 
 /// Writes one sound file: the sound, its format, and no metadata but what the options hand over.

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "audio/codec/Recipe.h"
+
 #include <array>
 #include <string_view>
-
-#include "audio/codec/MuxerSink.h"
 
 namespace audio::codec {
 namespace {
@@ -68,6 +68,9 @@ Recipe recipeFor(const Format& format) {
         known = true;
         recipe.block = wmaBlock(format);
         recipe.lead = recipe.block;
+        // FFmpeg's encoder uses no bit reservoir: each block is a packet of its own size, and all
+        // that it keeps is the sound that the next block's window reaches back to.
+        recipe.independentBlocks = true;
     } else if (format.containerName == "aac") {
         recipe.cut = aacDelay;
         recipe.block = aacDelay;

@@ -2,6 +2,7 @@
 // A WAV file is patched: what an edit does not touch comes out as the bytes that it was.
 #include <algorithm>
 #include <fstream>
+#include <ostream>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -23,7 +24,7 @@ namespace fs = std::filesystem;
 using riff::Builder;
 using riff::Bytes;
 
-/// A file with chunks on both sides of the sound; `seed` tells sounds apart.
+/// A file with chunks on both sides of the sound.
 Builder decorated(int bits, int channels, const Bytes& sound) {
     return Builder()
         .chunk("bext", riff::pattern(603, 2))
@@ -39,6 +40,10 @@ struct Made {
     const char* name;
     void (*make)(const fs::path& file);
 };
+
+std::ostream& operator<<(std::ostream& out, const Made& made) {
+    return out << made.name;
+}
 
 const Made files[] = {
     {"plain", [](const fs::path& file) { fs::copy_file(support::fixture("tone.wav"), file); }},
