@@ -113,7 +113,7 @@ bool MpegSource::scanOne() {
         header_ = frame->header;
         lowestBitRate_ = highestBitRate_ = header_.bitRate;
     }
-    table_.push_back({frame->offset, rawEnd(), frame->size, frame->header.samples()});
+    table_.push_back({frame->offset, frame->size, rawEnd(), frame->header.samples()});
     lowestBitRate_ = std::min(lowestBitRate_, frame->header.bitRate);
     highestBitRate_ = std::max(highestBitRate_, frame->header.bitRate);
     soundBytes_ += frame->size;
@@ -131,7 +131,7 @@ void MpegSource::bridge(const mpeg::ScannedFrame& frame) {
     const int lost =
         static_cast<int>(std::llround(std::min(1e6, double(frame.junkBefore) / usual)));
     if (lost > mostFramesLost) return;
-    for (int i = 0; i < lost; ++i) table_.push_back({0, rawEnd(), 0, frame.header.samples()});
+    for (int i = 0; i < lost; ++i) table_.push_back({0, 0, rawEnd(), frame.header.samples()});
 }
 
 void MpegSource::scanAll() {

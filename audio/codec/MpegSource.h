@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <deque>
 #include <optional>
 #include <vector>
 
@@ -27,11 +28,12 @@ class MpegSource : public Decoder::Source {
     std::int64_t position() const override { return position_; }
 
   private:
+    /// Ten hours have 1.4 million of them, in every decoder of the file: kept small.
     struct Entry {
-        std::int64_t offset;
-        std::int64_t raw;  ///< its first sample
-        int size;          ///< 0: it was lost and is silence
-        int samples;
+        std::int64_t offset : 46;
+        std::int64_t size : 18;  ///< 0: it was lost and is silence
+        std::int64_t raw : 46;   ///< its first sample
+        std::int64_t samples : 18;
     };
 
     void describe();
@@ -51,7 +53,7 @@ class MpegSource : public Decoder::Source {
     mpeg::FrameScanner scanner_;
     mpeg::FrameHeader header_;
     std::optional<mpeg::InfoTag> info_;
-    std::vector<Entry> table_;
+    std::deque<Entry> table_;
     bool complete_ = false;  ///< the table holds every frame
     int lowestBitRate_ = 0;
     int highestBitRate_ = 0;
