@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/AtomicFile.h"
 
-#include <random>
 #include <string>
 
 #include "platform/Error.h"
 #include "platform/FileHandle.h"
+#include "platform/Leftovers.h"
 #include "platform/Paths.h"
 #include "platform/SystemError.h"
 
@@ -32,17 +32,6 @@ fs::path resolved(const fs::path& target) {
     throw Error("\"" + toUtf8(target) + "\" cannot be saved: its symbolic links lead nowhere.");
 }
 
-// Keeps the extension, which some readers go by; hidden where a leading dot hides.
-fs::path randomSibling(const fs::path& target) {
-    static constexpr char letters[] = "abcdefghijklmnopqrstuvwxyz0123456789";
-    std::random_device random;
-    std::string name = ".tracksmith-";
-    for (int i = 0; i < 12; ++i) name += letters[random() % 36];
-    fs::path sibling = target.parent_path() / name;
-    sibling += target.extension();
-    return sibling;
-}
-
 }  // namespace
 
 class AtomicFile::Impl {
@@ -67,8 +56,9 @@ class AtomicFile::Impl {
     }
 
     void create() {
+        removeLeftovers(target.parent_path());
         for (int attempt = 0; attempt < 100; ++attempt) {
-            temporary = randomSibling(target);
+            temporary = temporaryBeside(target);
             std::error_code error;
             if (file.createNew(temporary, error)) return;
             if (error != std::errc::file_exists)
@@ -148,9 +138,8 @@ void AtomicFile::commit(const std::function<void(const fs::path&)>& verify) {
         });
     impl.step("writing it to the disk",
               [&](std::error_code& error) { return impl.file.sync(error); });
-    impl.file.close();
     impl.step("putting it in its place", [&](std::error_code& error) {
-        return replaceFile(impl.temporary, impl.target, error);
+        return impl.file.replace(impl.temporary, impl.target, error);
     });
     impl.committed = true;
 }

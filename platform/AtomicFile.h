@@ -13,8 +13,9 @@ namespace platform {
 /// Replaces a file whole or not at all. It writes to a temporary in the target's own folder and
 /// renames that over the target; the target itself is never opened for writing. Symbolic links are
 /// followed first: the file behind them is the target. Until commit() has succeeded the target is
-/// as it was, and whatever goes wrong, also a missing commit(), takes the temporary away again.
-/// Not for several threads at once. Every error is a platform::Error that names target and step.
+/// as it was, and whatever goes wrong, also a missing commit(), takes the temporary away again;
+/// that of a process that was killed is removed by the next one that saves in the folder. Not for
+/// several threads at once. Every error is a platform::Error that names target and step.
 class AtomicFile {
   public:
     /// Creates the empty temporary. Throws where the folder does not allow that, where the target

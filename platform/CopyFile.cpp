@@ -48,7 +48,7 @@ class Temporary {
   private:
     static std::string uniqueName() {
         std::random_device random;
-        return ".tracksmith-" + std::to_string(random()) + std::to_string(random()) + ".part";
+        return ".tracksmith-copy-" + std::to_string(random()) + std::to_string(random()) + ".part";
     }
 
     fs::path path_;

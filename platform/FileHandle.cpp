@@ -2,6 +2,7 @@
 #include "platform/FileHandle.h"
 
 #include <algorithm>
+#include <limits>
 #include <vector>
 
 #include <QtGlobal>
@@ -108,6 +109,24 @@ bool shareBlocks(int from, int to, const Stretch& stretch) {
 #endif
 }
 
+// One byte far behind any sound: on network file systems, where locks are mandatory, nobody who
+// writes to the file meets it. The lock goes with the handle, also when the process is killed.
+bool lock(int file) {
+    struct flock place {};
+    place.l_type = F_WRLCK;
+    place.l_whence = SEEK_SET;
+    place.l_start = std::numeric_limits<off_t>::max() - 1;
+    place.l_len = 1;
+    return ::fcntl(file, F_OFD_SETLK, &place) == 0;
+}
+
+// False where removeUnheld() was quicker. Where the file system knows no locks it never removes.
+bool hold(int file, const std::filesystem::path& path) {
+    if (!lock(file) && errno == EAGAIN) return false;
+    struct stat about {};
+    return ::lstat(path.c_str(), &about) == 0 || errno != ENOENT;
+}
+
 bool copyByHand(int from, int to, Stretch left, std::error_code& error) {
     std::vector<std::byte> buffer(std::size_t{1} << 20);
     while (left.size > 0) {
@@ -158,7 +177,11 @@ bool FileHandle::openForReading(const std::filesystem::path& path, std::error_co
 bool FileHandle::createNew(const std::filesystem::path& path, std::error_code& error) {
     close();
     handle_ = ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    return handle_ >= 0 || failed(error);
+    if (handle_ < 0) return failed(error);
+    if (hold(static_cast<int>(handle_), path)) return true;
+    close();
+    error = std::make_error_code(std::errc::file_exists);
+    return false;
 }
 
 bool FileHandle::openForWriting(const std::filesystem::path& path, std::error_code& error) {
@@ -248,8 +271,9 @@ bool isWritable(const std::filesystem::path& path) {
     return ::access(path.c_str(), W_OK) == 0;
 }
 
-bool replaceFile(const std::filesystem::path& from, const std::filesystem::path& to,
-                 std::error_code& error) {
+// Closed last: until the file has its new name, removeUnheld() must find it held.
+bool FileHandle::replace(const std::filesystem::path& from, const std::filesystem::path& to,
+                         std::error_code& error) {
     if (::rename(from.c_str(), to.c_str()) != 0) return failed(error);
     // The new file is in its place already; a folder that cannot be synced changes nothing there.
     const int folder = ::open(to.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
@@ -257,7 +281,21 @@ bool replaceFile(const std::filesystem::path& from, const std::filesystem::path&
         ::fsync(folder);
         ::close(folder);
     }
+    close();
     return true;
+}
+
+void removeUnheld(const std::filesystem::path& path) {
+    const int file = ::open(path.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    if (file < 0) return;
+    struct stat opened {};
+    struct stat named {};
+    const bool ours = ::fstat(file, &opened) == 0 && S_ISREG(opened.st_mode) &&
+                      opened.st_uid == ::geteuid() && opened.st_nlink == 1;
+    if (ours && lock(file) && ::lstat(path.c_str(), &named) == 0 && named.st_dev == opened.st_dev &&
+        named.st_ino == opened.st_ino)
+        ::unlink(path.c_str());
+    ::close(file);
 }
 
 }  // namespace platform
@@ -384,14 +422,36 @@ bool isWritable(const std::filesystem::path& path) {
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) == 0;
 }
 
-bool replaceFile(const std::filesystem::path& from, const std::filesystem::path& to,
-                 std::error_code& error) {
+bool FileHandle::replace(const std::filesystem::path& from, const std::filesystem::path& to,
+                         std::error_code& error) {
+    close();
     // ReplaceFile keeps the target's access list, attributes and streams, but needs a target.
     if (GetFileAttributesW(to.c_str()) == INVALID_FILE_ATTRIBUTES)
         return MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_WRITE_THROUGH) != 0 || failed(error);
     return ReplaceFileW(to.c_str(), from.c_str(), nullptr, REPLACEFILE_WRITE_THROUGH, nullptr,
                         nullptr) != 0 ||
            failed(error);
+}
+
+// Between close() and its new name a temporary is in nobody's hands, so only old ones are touched.
+void removeUnheld(const std::filesystem::path& path) {
+    constexpr std::uint64_t day = 24ULL * 3600 * 10'000'000;  // in steps of 100 ns
+    const auto ticks = [](const FILETIME& time) {
+        return (std::uint64_t{time.dwHighDateTime} << 32) | time.dwLowDateTime;
+    };
+    WIN32_FILE_ATTRIBUTE_DATA about{};
+    FILETIME now{};
+    GetSystemTimeAsFileTime(&now);
+    constexpr DWORD notOrdinary = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT;
+    if (GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &about) == 0 ||
+        (about.dwFileAttributes & notOrdinary) != 0 ||
+        ticks(about.ftLastWriteTime) + day > ticks(now))
+        return;
+    // Shared with nobody: it opens only where nobody else has it open, and goes when it is closed.
+    const HANDLE file =
+        CreateFileW(path.c_str(), DELETE, 0, nullptr, OPEN_EXISTING,
+                    FILE_FLAG_DELETE_ON_CLOSE | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
+    if (file != INVALID_HANDLE_VALUE) CloseHandle(file);
 }
 
 }  // namespace platform

@@ -19,7 +19,8 @@ class FileHandle {
     FileHandle& operator=(const FileHandle&) = delete;
 
     bool openForReading(const std::filesystem::path& path, std::error_code& error);
-    /// Creates the file, with the mode any new file gets; fails where it exists.
+    /// Creates the file, with the mode any new file gets; fails where it exists. While it is open,
+    /// removeUnheld() leaves it alone.
     bool createNew(const std::filesystem::path& path, std::error_code& error);
     /// Creates the file, or empties it where it exists.
     bool openForWriting(const std::filesystem::path& path, std::error_code& error);
@@ -35,10 +36,14 @@ class FileHandle {
                   std::int64_t position, std::error_code& error);
 
     /// Owner, mode, access lists and extended attributes of another file. On Windows nothing:
-    /// replaceFile() keeps them there.
+    /// replace() keeps them there.
     bool copyAttributesOf(const std::filesystem::path& other, std::error_code& error);
     /// To the disk, not only to the system.
     bool sync(std::error_code& error);
+    /// Puts this file, which lies at `from`, in the place of `to` in one step, makes that durable
+    /// and closes it. After an error both are as they were.
+    bool replace(const std::filesystem::path& from, const std::filesystem::path& to,
+                 std::error_code& error);
 
   private:
     void wrote(std::int64_t bytes);
@@ -50,9 +55,8 @@ class FileHandle {
 /// Whether the user may write to an existing file.
 bool isWritable(const std::filesystem::path& path);
 
-/// Puts `from` in the place of `to` in one step and makes that durable. Afterwards `from` is gone;
-/// after an error both are as they were.
-bool replaceFile(const std::filesystem::path& from, const std::filesystem::path& to,
-                 std::error_code& error);
+/// Removes what createNew() made where no process has it open any more. Only an ordinary file of
+/// this user under this one name; whatever else lies there, or cannot be told, stays.
+void removeUnheld(const std::filesystem::path& path);
 
 }  // namespace platform

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // A run that is ended from outside, in order or by force: every file is the old one or the new one.
 #include <map>
+#include <memory>
 #include <random>
 #include <signal.h>
 #include <thread>
@@ -154,6 +155,75 @@ TEST(Interrupted, ByForceAtAnyMomentEveryFileIsOldOrNew) {
         victims.removeLeftovers();
     }
     EXPECT_GT(unfinished, 5) << "most runs were over before they were killed";
+}
+
+/// A folder with one file that takes a while to save, and others.
+struct Folder {
+    TempFolder folder;
+    QString big = folder.file(u"big.wav"_s);
+    QString small = copyOf("tone.wav", folder, u"small.wav"_s);
+    const QDir dir{platform::toQString(folder.path())};
+
+    Folder() {
+        const support::Outcome made =
+            support::run(u"ffmpeg"_s, {u"-v"_s, u"error"_s, u"-f"_s, u"lavfi"_s, u"-i"_s,
+                                       u"sine=440:d=600"_s, u"-ac"_s, u"2"_s, big});
+        EXPECT_EQ(made.exitCode, 0) << made.err.toStdString();
+    }
+    QStringList temporaries() const {
+        return dir.entryList({u".tracksmith-*"_s}, QDir::Files | QDir::Hidden);
+    }
+    /// Begins to save the big file, and signals the process once its temporary is there.
+    void interruptSave(QProcess& process, int signal) const {
+        start(process, {big});
+        while (temporaries().isEmpty()) ASSERT_FALSE(process.waitForFinished(1));
+        ASSERT_EQ(::kill(static_cast<pid_t>(process.processId()), signal), 0);
+    }
+    support::Outcome saveSmall() const {
+        return support::cli({u"effect"_s, u"amplify-plus"_s, small});
+    }
+};
+
+TEST(Interrupted, WhatAKilledSaveLeftIsRemovedByTheNextOne) {
+    const Folder files;
+    const auto before = readBytes(platform::toPath(files.big));
+    QProcess process;
+    files.interruptSave(process, SIGKILL);
+    ASSERT_TRUE(process.waitForFinished(30000));
+    ASSERT_EQ(files.temporaries().size(), 1) << "the save was over before it was killed";
+    EXPECT_EQ(files.saveSmall().exitCode, 0);
+    EXPECT_TRUE(files.temporaries().isEmpty());
+    EXPECT_EQ(readBytes(platform::toPath(files.big)), before);
+}
+
+TEST(Interrupted, ASaveThatIsUnderWayLosesNothingToAnother) {
+    const Folder files;
+    const auto before = readBytes(platform::toPath(files.big));
+    QProcess process;
+    files.interruptSave(process, SIGSTOP);
+    EXPECT_EQ(files.saveSmall().exitCode, 0);
+    EXPECT_EQ(files.temporaries().size(), 1);
+    ASSERT_EQ(::kill(static_cast<pid_t>(process.processId()), SIGCONT), 0);
+    ASSERT_TRUE(process.waitForFinished(60000));
+    EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
+    EXPECT_TRUE(files.temporaries().isEmpty());
+    EXPECT_NE(readBytes(platform::toPath(files.big)), before);
+}
+
+// Every process looks for leftovers as it begins, just when the others make their temporaries.
+TEST(Interrupted, ManySavesInOneFolderAtATime) {
+    TempFolder folder;
+    std::vector<std::unique_ptr<QProcess>> processes;
+    for (int i = 0; i < 24; ++i) {
+        const QString file = copyOf("tone.wav", folder, u"%1.wav"_s.arg(i));
+        start(*processes.emplace_back(std::make_unique<QProcess>()), {file});
+    }
+    for (const auto& process : processes) {
+        ASSERT_TRUE(process->waitForFinished(120000));
+        EXPECT_EQ(process->exitCode(), 0) << process->readAllStandardError().toStdString();
+    }
+    const QDir dir(platform::toQString(folder.path()));
+    EXPECT_EQ(dir.entryList(QDir::Files | QDir::Hidden).size(), 24);
 }
 
 }  // namespace

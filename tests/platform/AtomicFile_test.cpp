@@ -149,6 +149,38 @@ TEST(AtomicFile, CopiesStretchesOfOtherFiles) {
     EXPECT_EQ(get(folder / "a.txt").substr(0, 7), "[23456>");
 }
 
+TEST(AtomicFile, RemovesWhatAKilledProcessLeft) {
+    support::TempFolder folder;
+    put(folder / ".tracksmith-abcdefgh0123.mp3", "half");
+    put(folder / ".tracksmith-abcdefghijkl", "half");
+    save(folder / "a.txt", "new");
+    EXPECT_EQ(filesIn(folder.path()), 1);
+    EXPECT_EQ(get(folder / "a.txt"), "new");
+}
+
+TEST(AtomicFile, RemovesNothingElse) {
+    support::TempFolder folder;
+    support::TempFolder elsewhere;
+    put(elsewhere / "kept", "kept");
+    for (const char* name : {".tracksmith-abcdefghijk.mp3", ".tracksmith-abcdefghijklm.mp3",
+                             ".tracksmith-abcdefghijkL", ".tracksmith-abcdefghijkl.tar.gz",
+                             ".tracksmith-abcdefghijkl~", ".tracksmith-", "tracksmith",
+                             "x.tracksmith-abcdefghijkl", ".tracksmith-abcdefghijk\xff"})
+        put(folder / name, "kept");
+    fs::create_directory(folder / ".tracksmith-aaaaaaaaaaaa.mp3");
+    fs::create_symlink(elsewhere / "kept", folder / ".tracksmith-bbbbbbbbbbbb.mp3");
+    fs::create_hard_link(elsewhere / "kept", folder / ".tracksmith-cccccccccccc.mp3");
+    ASSERT_EQ(::mkfifo((folder / ".tracksmith-dddddddddddd").c_str(), 0600), 0);
+    if (::geteuid() == 0) {
+        put(folder / ".tracksmith-eeeeeeeeeeee.mp3", "another user's");
+        ASSERT_EQ(::chown((folder / ".tracksmith-eeeeeeeeeeee.mp3").c_str(), 12345, 23456), 0);
+    }
+    const int before = filesIn(folder.path());
+    save(folder / "a.txt", "new");
+    EXPECT_EQ(filesIn(folder.path()), before + 1);
+    EXPECT_EQ(get(elsewhere / "kept"), "kept");
+}
+
 TEST(AtomicFile, NamesThatNeedCare) {
     support::TempFolder folder;
     const std::string name = "it's \"ünïcode\" – 音楽 %20 .mp3";
