@@ -28,6 +28,10 @@ add_library(tracksmith_options INTERFACE)
 target_include_directories(tracksmith_options INTERFACE ${CMAKE_SOURCE_DIR})
 target_compile_options(tracksmith_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow=local
                                                     -Wnon-virtual-dtor -Woverloaded-virtual)
+# A program loads no library that none of its own parts calls.
+if(UNIX)
+  target_link_options(tracksmith_options INTERFACE -Wl,--as-needed)
+endif()
 option(TRACKSMITH_WERROR "Treat warnings as errors" ON)
 if(TRACKSMITH_WERROR)
   target_compile_options(tracksmith_options INTERFACE -Werror)

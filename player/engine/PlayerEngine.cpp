@@ -352,3 +352,6 @@ QString PlayerEngine::OutputName() const {
 }
 
 }  // namespace player
+
+// Here and not with the other classes': a program without a player then needs no sound device.
+#include "moc_PlayerEngine.cpp"

@@ -235,3 +235,5 @@ void Transport::finish() {
 }
 
 }  // namespace player
+
+#include "moc_Transport.cpp"

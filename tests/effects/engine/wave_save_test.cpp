@@ -87,6 +87,12 @@ long writeCalls() {
     return -1;
 }
 
+bool isLoaded(const std::string& library) {
+    std::ifstream maps("/proc/self/maps");
+    const std::string all{std::istreambuf_iterator<char>(maps), {}};
+    return all.find(library) != std::string::npos;
+}
+
 }  // namespace
 
 INSTANTIATE_TEST_SUITE_P(Layouts, WaveSave, testing::ValuesIn(files),
@@ -153,4 +159,14 @@ TEST_F(WaveSave, StoppedInTheMiddleOfTheCopyLeavesTheTarget) {
     EXPECT_THROW(audio::edit::save(job, target, work), audio::edit::Cancelled);
     EXPECT_TRUE(support::readBytes(target) == before);
     EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), {}), 2);
+}
+
+// To load FFmpeg takes longer than the edit; it comes when a format needs it.
+TEST_F(WaveSave, AnEditLoadsNoFfmpeg) {
+    const fs::path file = support::scratchCopy("tone.wav", folder.path());
+    edit(file, 0, 4'000, [](AudioEditor& editor) { editor.Fade(0, 100); });
+    EXPECT_TRUE(isLoaded("libQt6Core"));
+    EXPECT_FALSE(isLoaded("libavcodec"));
+    AudioEditor().Load(platform::toQString(support::fixture("tone.flac")));
+    EXPECT_TRUE(isLoaded("libavcodec"));
 }
