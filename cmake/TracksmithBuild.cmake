@@ -52,6 +52,14 @@ function(tracksmith_folder target)
   target_link_libraries(${target} PUBLIC tracksmith_options ${arg_LINKS} PRIVATE ${arg_PRIVATE_LINKS})
 endfunction()
 
+# tracksmith_kernels(<files...>): loops over samples, compiled for vector instructions. That nobody
+# looks at errno or at floating-point exceptions is what lets rounding and choosing be part of such a
+# loop; no result changes by it.
+function(tracksmith_kernels)
+  set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS
+    "$<$<CONFIG:Release,RelWithDebInfo>:-O3>;-fno-math-errno;-fno-trapping-math")
+endfunction()
+
 # tracksmith_test(<name> SOURCES <files...> [LINKS <targets...>] [LABELS <labels...>] [DISPLAY]
 #                 [TIMEOUT <seconds>])
 # A GoogleTest program. With DISPLAY it runs in an X server and window manager of its own, as one

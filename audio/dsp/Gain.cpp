@@ -2,6 +2,7 @@
 #include "audio/dsp/Gain.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace audio::dsp {
@@ -35,16 +36,26 @@ void applyRampToChannel(std::span<float> interleaved, int channels, int channel,
         interleaved[i] *= static_cast<float>(ramp.factorAt(offset++));
 }
 
+// Several maxima side by side, which the compiler keeps in vectors.
 float peak(std::span<const float> samples) {
-    float highest = 0.0F;
-    for (const float sample : samples) highest = std::max(highest, std::fabs(sample));
-    return highest;
+    constexpr std::size_t lanes = 16;
+    std::array<float, lanes> highest{};
+    while (samples.size() >= lanes) {
+        for (std::size_t i = 0; i < lanes; ++i)
+            highest[i] = std::max(highest[i], std::fabs(samples[i]));
+        samples = samples.subspan(lanes);
+    }
+    for (const float sample : samples) highest[0] = std::max(highest[0], std::fabs(sample));
+    return *std::max_element(highest.begin(), highest.end());
 }
 
 void raisePeaks(std::span<const float> interleaved, std::span<float> peaks) {
-    for (std::size_t i = 0; i < interleaved.size(); ++i) {
-        float& highest = peaks[i % peaks.size()];
-        highest = std::max(highest, std::fabs(interleaved[i]));
+    const std::size_t channels = peaks.size();
+    for (std::size_t channel = 0; channel < channels; ++channel) {
+        float highest = peaks[channel];
+        for (std::size_t i = channel; i < interleaved.size(); i += channels)
+            highest = std::max(highest, std::fabs(interleaved[i]));
+        peaks[channel] = highest;
     }
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "audio/dsp/Gain.h"
 
+#include <algorithm>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -40,4 +41,19 @@ TEST(Gain, MixWeighsBoth) {
     std::vector<float> sound{1, 1, 1};
     mixInto(sound, std::vector<float>{0.5F, -0.5F}, 0.5, 2.0);
     EXPECT_EQ(sound, (std::vector<float>{1.5F, -0.5F, 1}));
+}
+
+TEST(Gain, ThePeakIsFoundWhereverItLies) {
+    for (std::size_t size = 1; size < 50; ++size) {
+        for (std::size_t place = 0; place < size; ++place) {
+            std::vector<float> samples(size, 0.25F);
+            samples[place] = place % 2 == 0 ? -0.75F : 0.75F;
+            EXPECT_EQ(peak(samples), 0.75F) << place << " of " << size;
+            std::vector<float> peaks(3);
+            raisePeaks(samples, peaks);
+            EXPECT_EQ(peaks[place % 3], 0.75F) << place << " of " << size;
+            EXPECT_EQ(std::count(peaks.begin(), peaks.end(), 0.75F), 1);
+        }
+    }
+    EXPECT_EQ(peak({}), 0.0F);
 }
