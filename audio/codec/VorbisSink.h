@@ -1,45 +1,52 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <cstdint>
 #include <ogg/ogg.h>
-#include <vorbis/codec.h>
+#include <vector>
 
 #include "audio/codec/OutputFile.h"
 #include "audio/codec/Sink.h"
+#include "audio/codec/VorbisChunks.h"
 
 namespace audio::codec {
 
-/// Writes Ogg Vorbis with libvorbis, at the nominal bit-rate asked for (variable, unmanaged). The
-/// comment header can be given as a packet, and is then written as it stands.
+/// Writes Ogg Vorbis with libvorbis, at the nominal bit-rate asked for (variable, unmanaged), on
+/// every core. The comment header can be given as a packet, and is then written as it stands. The
+/// bytes depend on the sound, the format and the options alone, never on the number of threads.
 class VorbisSink : public Encoder::Sink {
   public:
     VorbisSink(const std::filesystem::path& file, const Format& format,
                const EncoderOptions& options);
+    VorbisSink(const std::filesystem::path& file, const Format& format,
+               const EncoderOptions& options, const VorbisChunking& chunking);
 
     void write(const float* interleaved, std::size_t frames) override;
     void finish() override;
 
+    /// Chunks that did not fit to the one before, and were done again behind it.
+    int chunksDoneAgain() const { return chunks_.carriedOn(); }
+
   private:
     void writeHeaders(const EncoderOptions& options);
-    void drain();
+    void put(const VorbisPacket& packet);
+    void putPacket(std::vector<std::uint8_t> bytes, std::int64_t granule, bool last);
     void putPages(bool flush);
+
+    struct Stream {
+        explicit Stream(int serial);
+        ~Stream();
+        Stream(const Stream&) = delete;
+        Stream& operator=(const Stream&) = delete;
+        ogg_stream_state state{};
+    };
 
     OutputFile output_;
     std::size_t channels_;
-    bool begun_ = false;
-    /// The libraries' objects, which refer to one another and go together.
-    struct State {
-        State();
-        ~State();
-        State(const State&) = delete;
-        State& operator=(const State&) = delete;
-        vorbis_info info{};
-        vorbis_comment comment{};
-        vorbis_dsp_state dsp{};
-        vorbis_block block{};
-        ogg_stream_state stream{};
-    };
-    State state_;
+    std::int64_t frames_ = 0;   // written
+    std::int64_t packets_ = 0;  // put into pages
+    Stream stream_;
+    VorbisChunks chunks_;
 };
 
 }  // namespace audio::codec
