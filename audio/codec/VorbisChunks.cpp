@@ -62,17 +62,28 @@ std::int64_t startFor(const VorbisEncoder& encoder, const VorbisBlock& block, st
     return start;
 }
 
+// Memory or threads may run out, here or on another thread.
+template <typename Work>
+void named(const std::filesystem::path& file, Work work) try {
+    work();
+} catch (const platform::Error&) {
+    throw;
+} catch (const std::exception& error) {
+    throw fileError(file, std::string("could not be encoded: ") + error.what());
+}
+
 }  // namespace
 
-VorbisChunking VorbisChunking::of(std::int64_t frames, int channels) {
+VorbisChunking VorbisChunking::of(std::int64_t frames, int channels, int threads) {
     VorbisChunking chunking;
+    chunking.threads = threads;
     const std::int64_t longest = std::max(chunkSamples / channels, shortestChunk);
     chunking.chunkFrames = longest;
     if (frames < 0) return chunking;
     const std::int64_t most = chunkGroup * (frames / (chunkGroup * longest) + 1);
     const std::int64_t worthwhile = frames / std::min(worthwhileChunk, longest);
     const std::int64_t count = std::clamp<std::int64_t>(worthwhile, 1, most);
-    chunking.chunkFrames = frames / count + 1;
+    chunking.chunkFrames = std::min(frames / count + 1, longest);
     return chunking;
 }
 
@@ -100,13 +111,15 @@ void VorbisChunks::added() {
     // What lies behind the last block decides on its windows.
     const std::int64_t reach = 4 * windows_.longBlock() + 2'048;
     while (sound_.end() >= first_ + chunking_.chunkFrames + reach)
-        start(first_ + chunking_.chunkFrames);
+        named(file_, [this] { start(first_ + chunking_.chunkFrames); });
 }
 
 void VorbisChunks::finish() {
     sound_.complete = true;
-    start(sound_.end());
-    while (!running_.empty()) join();
+    named(file_, [this] {
+        start(sound_.end());
+        while (!running_.empty()) join();
+    });
 }
 
 void VorbisChunks::start(std::int64_t end) {
@@ -210,18 +223,9 @@ void VorbisChunks::goOn() const {
     if (stopping_) throw fileError(file_, "is no longer wanted");  // nobody hears of it
 }
 
-VorbisChunks::Result VorbisChunks::nextResult() try {
+void VorbisChunks::join() {
     Result result = running_.front().get();
     running_.pop_front();
-    return result;
-} catch (const platform::Error&) {
-    throw;
-} catch (const std::exception& error) {
-    throw fileError(file_, std::string("could not be encoded: ") + error.what());
-}
-
-void VorbisChunks::join() {
-    Result result = nextResult();
     const bool fits =
         result.encoder &&
         (!left_ || (!result.packets.empty() && result.packets.front().block.follows(last_)));

@@ -23,7 +23,7 @@ struct VorbisChunking {
     int tries = 8;  ///< places where a chunk's encoder may try to begin
 
     /// For a sound of so many frames, -1 where that is not known.
-    static VorbisChunking of(std::int64_t frames, int channels);
+    static VorbisChunking of(std::int64_t frames, int channels, int threads = 0);
 };
 
 /// A stretch of the stream that gets an encoder of its own: the blocks with centres in [first,
@@ -87,7 +87,6 @@ class VorbisChunks {
     void run(VorbisChunk chunk);
     std::vector<std::int64_t> startsFor(std::size_t settled) const;
     Result encode(VorbisChunk chunk) const;
-    Result nextResult();
     std::unique_ptr<VorbisEncoder> inStep(const VorbisChunk& chunk, std::int64_t start) const;
     std::vector<VorbisPacket> packets(VorbisEncoder& encoder, const VorbisChunk& chunk) const;
     void goOn() const;

@@ -36,7 +36,7 @@ int serialOf(const Format& format, const EncoderOptions& options) {
 VorbisSink::VorbisSink(const std::filesystem::path& file, const Format& format,
                        const EncoderOptions& options)
     : VorbisSink(file, format, options,
-                 VorbisChunking::of(options.expectedFrames, format.channels)) {}
+                 VorbisChunking::of(options.expectedFrames, format.channels, options.threads)) {}
 
 VorbisSink::VorbisSink(const std::filesystem::path& file, const Format& format,
                        const EncoderOptions& options, const VorbisChunking& chunking)
