@@ -27,6 +27,7 @@
 #include "ui_frmMain.h"
 #include "widgets/CommonDialog.h"
 #include "widgets/MsgBox.h"
+#include "widgets/Named.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -34,13 +35,6 @@ namespace app {
 namespace {
 
 constexpr int titleBarRoom = 40;
-
-template <class Part>
-Part* named(const QString& name, QObject* owner) {
-    auto* part = new Part(owner);
-    part->setObjectName(name);
-    return part;
-}
 
 player::DeckControls deckControls(const Ui::frmMain& ui) {
     return {ui.ListView1,
@@ -77,11 +71,11 @@ void setGlyphs(const Ui::frmMain& ui) {
 frmMain::frmMain(QWidget* parent)
     : QWidget(parent),
       ui_(std::make_unique<Ui::frmMain>()),
-      PlayerEngine1(named<player::PlayerEngine>(u"PlayerEngine1"_s, this)),
-      AudioEditor1(named<effects::AudioEditor>(u"AudioEditor1"_s, this)),
-      CommonDialog1(named<widgets::CommonDialog>(u"CommonDialog1"_s, this)),
-      Timer1(named<QTimer>(u"Timer1"_s, this)),
-      Timer2(named<QTimer>(u"Timer2"_s, this)) {
+      PlayerEngine1(widgets::named<player::PlayerEngine>(u"PlayerEngine1"_s, this)),
+      AudioEditor1(widgets::named<effects::AudioEditor>(u"AudioEditor1"_s, this)),
+      CommonDialog1(widgets::named<widgets::CommonDialog>(u"CommonDialog1"_s, this)),
+      Timer1(widgets::named<QTimer>(u"Timer1"_s, this)),
+      Timer2(widgets::named<QTimer>(u"Timer2"_s, this)) {
     ui_->setupUi(this);
     setGlyphs(*ui_);
     ui_->ListView1->setColumns({u"Track"_s, u"Duration"_s, u"Title"_s});

@@ -1,52 +1,28 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <memory>
-
-#include <QAbstractButton>
 #include <QAbstractSlider>
-#include <QLabel>
 #include <QPointer>
-#include <gmock/gmock.h>
 
-#include "app/Skin.h"
-#include "app/frmMain.h"
 #include "app/modules/modMain.h"
-#include "platform/Paths.h"
-#include "tests/support/Answers.h"
-#include "tests/support/Fixtures.h"
-#include "tests/support/Gui.h"
-#include "tests/support/TempFolder.h"
-#include "widgets/ListView.h"
+#include "tests/support/MainWindow.h"
 #include "widgets/ProgressBar.h"
 
 namespace support {
 
 /// The real main window with sound files of its own in the list, and its effect dialogs.
-struct EffectsWindow : testing::Test {
-    TempFolder folder;
-    std::unique_ptr<app::frmMain> window;
-
+struct EffectsWindow : MainWindow {
     void SetUp() override {
-        if (qApp->styleSheet().isEmpty()) app::applySkin(*qApp);
         modMain::EffectMode = 0;
         modMain::SelectedCount = 0;
-        window = std::make_unique<app::frmMain>();
-        ASSERT_TRUE(activate(*window));
-    }
-    void TearDown() override {
-        EXPECT_EQ(forgetAnswers(), 0) << "announced boxes did not come";
-        window.reset();
+        MainWindow::SetUp();
     }
 
-    widgets::ListView& list() { return find<widgets::ListView>(*window, "ListView1"); }
     widgets::ProgressBar& bar() { return find<widgets::ProgressBar>(*window, "Bar"); }
-    QString text(const char* label) { return find<QLabel>(*window, label).text(); }
 
     /// A copy of a fixture under another name, in the list.
     QString add(const char* fixtureName, const QString& name) {
-        const QString path =
-            platform::toQString(scratchCopy(fixtureName, folder.path(), name.toStdString()));
+        const QString path = song(name, fixtureName);
         window->openPaths({path});
         return path;
     }

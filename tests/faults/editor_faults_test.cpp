@@ -87,6 +87,14 @@ std::string inChild(const std::function<std::string()>& action) {
     return verdict;
 }
 
+/// An ordinary user for a process that is root's.
+bool dropRights() {
+    if (::geteuid() != 0) return true;
+    const passwd* nobody = ::getpwnam("nobody");
+    return nobody != nullptr && ::setgroups(0, nullptr) == 0 && ::setgid(nobody->pw_gid) == 0 &&
+           ::setuid(nobody->pw_uid) == 0;
+}
+
 class Faults : public testing::TestWithParam<std::string> {
   protected:
     /// A child's verdict: an error that names the file, the old bytes, and no other file.
@@ -102,6 +110,23 @@ class Faults : public testing::TestWithParam<std::string> {
         return {};
     }
 
+    /// A save by a user who can reach the file, in a folder and on a file of these modes.
+    void refusesAnOrdinaryUser(mode_t folderMode, mode_t fileMode) const {
+        const fs::path file = support::scratchCopy(GetParam(), folder.path());
+        const Bytes before = support::readBytes(file);
+        const auto names = namesIn(folder.path());
+        ::chmod(folder.path().c_str(), folderMode);
+        ::chmod(file.c_str(), fileMode);
+        ::chmod(folder.path().parent_path().c_str(), 0755);
+        ::chmod(folder.path().parent_path().parent_path().c_str(), 0755);
+        EXPECT_EQ(inChild([&] {
+                      if (!dropRights()) return std::string("rights cannot be dropped");
+                      return refusedAndUntouched(file, before, names);
+                  }),
+                  "");
+        ::chmod(folder.path().c_str(), 0755);
+    }
+
     support::TempFolder folder;
 };
 
@@ -110,14 +135,6 @@ INSTANTIATE_TEST_SUITE_P(Kinds, Faults, testing::ValuesIn(kinds), [](const auto&
     std::erase(name, '.');
     return name;
 });
-
-/// An ordinary user for a process that is root's.
-bool dropRights() {
-    if (::geteuid() != 0) return true;
-    const passwd* nobody = ::getpwnam("nobody");
-    return nobody != nullptr && ::setgroups(0, nullptr) == 0 && ::setgid(nobody->pw_gid) == 0 &&
-           ::setuid(nobody->pw_uid) == 0;
-}
 
 }  // namespace
 
@@ -140,35 +157,11 @@ TEST_P(Faults, DiskFullAtAnyPlace) {
 }
 
 TEST_P(Faults, FolderThatMayNotBeWritten) {
-    const fs::path file = support::scratchCopy(GetParam(), folder.path());
-    const Bytes before = support::readBytes(file);
-    const auto names = namesIn(folder.path());
-    // Everybody may reach the file, nobody may create one beside it.
-    ::chmod(folder.path().c_str(), 0555);
-    ::chmod(file.c_str(), 0666);
-    ::chmod(folder.path().parent_path().c_str(), 0755);
-    ::chmod(folder.path().parent_path().parent_path().c_str(), 0755);
-    EXPECT_EQ(inChild([&] {
-                  if (!dropRights()) return std::string("rights cannot be dropped");
-                  return refusedAndUntouched(file, before, names);
-              }),
-              "");
-    ::chmod(folder.path().c_str(), 0755);
+    refusesAnOrdinaryUser(0555, 0666);
 }
 
 TEST_P(Faults, FileThatMayNotBeWritten) {
-    const fs::path file = support::scratchCopy(GetParam(), folder.path());
-    const Bytes before = support::readBytes(file);
-    const auto names = namesIn(folder.path());
-    ::chmod(folder.path().c_str(), 0777);
-    ::chmod(file.c_str(), 0444);
-    ::chmod(folder.path().parent_path().c_str(), 0755);
-    ::chmod(folder.path().parent_path().parent_path().c_str(), 0755);
-    EXPECT_EQ(inChild([&] {
-                  if (!dropRights()) return std::string("rights cannot be dropped");
-                  return refusedAndUntouched(file, before, names);
-              }),
-              "");
+    refusesAnOrdinaryUser(0777, 0444);
 }
 
 TEST_P(Faults, TargetBehindALink) {

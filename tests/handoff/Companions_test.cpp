@@ -33,6 +33,13 @@ class Companions : public MainWindow {
             return find<QLabel>(window, "Label2").text() == u"Total Duration (mm.s): "_s + total;
         }));
     }
+    /// One entry of this length, which the audio writer is to get, once it is chosen.
+    void burnOneOf(const QString& duration, const QString& total) {
+        open({u"music/one.mp3"_s});
+        setDuration(u"1:00"_s, u"1.0"_s);  // 78:31 shows as 78.5 too
+        setDuration(duration, total);
+        answerMessageBox(QMessageBox::Yes);
+    }
     void run(const char* item) {
         const bool burning = QByteArray(item).contains("CDWriter");
         chooseFromMenu(window, burning ? "Button7" : "Button1", item);
@@ -105,19 +112,14 @@ TEST_F(Companions, ABurnListThatCannotBeSavedStartsNothing) {
 
 TEST_F(Companions, SeventyEightAndAHalfMinutesPass) {
     const Companion shelf("Fornax/Fornax_Shelf.exe", handoff::burnListFile());
-    open({u"music/one.mp3"_s});
-    setDuration(u"78:30"_s, u"78.5"_s);
-    answerMessageBox(QMessageBox::Yes);
+    burnOneOf(u"78:30"_s, u"78.5"_s);
     run("mnuAudio_CDWriter");
     EXPECT_TRUE(shelf.started());
 }
 
 TEST_F(Companions, OneSecondMoreAsksAndOkGoesOn) {
     const Companion shelf("Fornax/Fornax_Shelf.exe", handoff::burnListFile());
-    open({u"music/one.mp3"_s});
-    setDuration(u"1:00"_s, u"1.0"_s);  // 78:31 shows as 78.5 too
-    setDuration(u"78:31"_s, u"78.5"_s);
-    answerMessageBox(QMessageBox::Yes);
+    burnOneOf(u"78:31"_s, u"78.5"_s);
     const auto asked = answerMessageBox(QMessageBox::Ok);
     run("mnuAudio_CDWriter");
     EXPECT_EQ(asked->text, caution);
@@ -129,9 +131,7 @@ TEST_F(Companions, OneSecondMoreAsksAndOkGoesOn) {
 
 TEST_F(Companions, CancellingTheCautionWritesAndStartsNothing) {
     const Companion shelf("Fornax/Fornax_Shelf.exe", handoff::burnListFile());
-    open({u"music/one.mp3"_s});
-    setDuration(u"80:00"_s, u"80.0"_s);
-    answerMessageBox(QMessageBox::Yes);
+    burnOneOf(u"80:00"_s, u"80.0"_s);
     answerMessageBox(QMessageBox::Cancel);
     run("mnuAudio_CDWriter");
     EXPECT_FALSE(exists(handoff::burnListFile()));

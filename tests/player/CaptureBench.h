@@ -28,6 +28,8 @@ bool waitUntil(const std::function<bool()>& condition);
 class CaptureBench {
   public:
     explicit CaptureBench(player::OpenSound openSound = player::openWithDecoder);
+    /// With these on player 0's list.
+    explicit CaptureBench(const QStringList& names) : CaptureBench() { list(names); }
 
     player::PlayerEngine& engine() { return *engine_; }
 

@@ -14,11 +14,7 @@
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
-using support::CaptureBench;
-using support::cut;
-using support::decoded;
-using support::maxDifference;
-using support::waitUntil;
+using namespace support;
 using ::testing::ElementsAre;
 
 constexpr std::size_t kRamp = 128;  // frames of gain ramp at a pause and at a seek
@@ -41,8 +37,7 @@ TEST_P(WholeFile, ComesThroughSampleBySample) {
     const QString name = QString::fromLatin1(GetParam());
     const auto expected = decoded(name);
     ASSERT_GT(expected.size(), 2 * 44000U);
-    CaptureBench bench;
-    bench.list({name});
+    CaptureBench bench(QStringList{name});
     bench.engine().PlaylistPlayItem(0, 0);
     // Block sizes that match no codec's.
     const auto first = bench.pull(333);
@@ -69,8 +64,7 @@ TEST(Gapless, NotAFrameIsLostOrAddedAtAJoin) {
     std::vector<std::vector<float>> parts;
     for (const QString& name : names) parts.push_back(decoded(name));
     const auto expected = joined(parts);
-    CaptureBench bench;
-    bench.list(names);
+    CaptureBench bench(names);
     bench.engine().PlaylistPlayItem(0, 0);
     const auto all = bench.pullUntil(u"ended 0 6"_s);
     ASSERT_GE(all.size(), expected.size());
@@ -81,8 +75,8 @@ TEST(Gapless, NotAFrameIsLostOrAddedAtAJoin) {
 }
 
 TEST(Gapless, AnotherRateIsBroughtToTheFirstOnesWithoutAGap) {
-    CaptureBench bench;
-    bench.list({u"tone.wav"_s, u"tone-48k.wav"_s, u"tone-48k.wav"_s, u"tone.wav"_s});
+    CaptureBench bench(
+        QStringList{u"tone.wav"_s, u"tone-48k.wav"_s, u"tone-48k.wav"_s, u"tone.wav"_s});
     bench.engine().PlaylistPlayItem(0, 0);
     const auto all = bench.pullUntil(u"ended 0 3"_s);
     const auto native = decoded(u"tone.wav"_s);
@@ -93,12 +87,11 @@ TEST(Gapless, AnotherRateIsBroughtToTheFirstOnesWithoutAGap) {
     // The resampled ones hold the same tone: the second of them lies exactly where it should.
     const auto once = cut(all, 88200 + 1000, 80000);
     const auto again = cut(all, 88200 + 88200 + 1000, 80000);
-    EXPECT_GT(support::snrDb(once, again), 60.0);
+    EXPECT_GT(snrDb(once, again), 60.0);
 }
 
 TEST(Gapless, TheDeviceTakesTheRateOfTheEntryThatPlaybackBeginsWith) {
-    CaptureBench bench;
-    bench.list({u"tone-48k.wav"_s, u"tone-22k.mp3"_s});
+    CaptureBench bench(QStringList{u"tone-48k.wav"_s, u"tone-22k.mp3"_s});
     bench.engine().PlaylistPlayItem(0, 0);
     const auto expected = decoded(u"tone-48k.wav"_s);
     EXPECT_EQ(maxDifference(bench.pull(20000, 48000), cut(expected, 0, 20000)), 0.0);
@@ -108,8 +101,7 @@ TEST(Gapless, TheDeviceTakesTheRateOfTheEntryThatPlaybackBeginsWith) {
 }
 
 TEST(Pause, HoldsTheExactFrameAndClicksNot) {
-    CaptureBench bench;
-    bench.list({u"tone.wav"_s});
+    CaptureBench bench(QStringList{u"tone.wav"_s});
     const auto expected = decoded(u"tone.wav"_s);
     bench.engine().PlaylistPlayItem(0, 0);
     EXPECT_EQ(maxDifference(bench.pull(10000), cut(expected, 0, 10000)), 0.0);
@@ -138,8 +130,7 @@ class SeekIn : public ::testing::TestWithParam<const char*> {};
 TEST_P(SeekIn, IsExactAndInTheNextBlock) {
     const QString name = QString::fromLatin1(GetParam());
     const auto expected = decoded(name);
-    CaptureBench bench;
-    bench.list({name});
+    CaptureBench bench(QStringList{name});
     bench.engine().PlaylistPlayItem(0, 0);
     bench.pull(10000);
     for (const int target : {1000, 300, 1500, 1501, 0, 1900}) {
@@ -159,8 +150,7 @@ INSTANTIATE_TEST_SUITE_P(Formats, SeekIn,
                                            "tone.ogg", "tone.wma", "tone.flac"));
 
 TEST(Seek, PercentIsOfTheWholeAndStepsAreTenSeconds) {
-    CaptureBench bench;
-    bench.list({u"music.wav"_s});
+    CaptureBench bench(QStringList{u"music.wav"_s});
     auto& engine = bench.engine();
     engine.PlaylistPlayItem(0, 0);
     bench.pull(2048);
@@ -188,8 +178,7 @@ TEST(Seek, PercentIsOfTheWholeAndStepsAreTenSeconds) {
 }
 
 TEST(Seek, BackIntoTheEntryThatIsHeardWhileTheNextIsDecoded) {
-    CaptureBench bench;
-    bench.list({u"tone.wav"_s, u"tone.mp3"_s});
+    CaptureBench bench(QStringList{u"tone.wav"_s, u"tone.mp3"_s});
     const auto expected = decoded(u"tone.wav"_s);
     bench.engine().PlaylistPlayItem(0, 0);
     bench.pull(80000);  // the ring holds the second entry by now
@@ -204,8 +193,7 @@ TEST(Seek, BackIntoTheEntryThatIsHeardWhileTheNextIsDecoded) {
 }
 
 TEST(Seek, WhilePausedKeepsSilenceAndGoesOnAtTheTarget) {
-    CaptureBench bench;
-    bench.list({u"tone.wav"_s});
+    CaptureBench bench(QStringList{u"tone.wav"_s});
     const auto expected = decoded(u"tone.wav"_s);
     auto& engine = bench.engine();
     engine.PlaylistPlayItem(0, 0);
@@ -222,8 +210,7 @@ TEST(Seek, WhilePausedKeepsSilenceAndGoesOnAtTheTarget) {
 }
 
 TEST(Stop, ReturnsToTheStartOfTheEntry) {
-    CaptureBench bench;
-    bench.list({u"tone.wav"_s, u"tone.mp3"_s});
+    CaptureBench bench(QStringList{u"tone.wav"_s, u"tone.mp3"_s});
     auto& engine = bench.engine();
     engine.PlaylistPlayItem(0, 1);
     bench.pull(30000);
@@ -241,8 +228,7 @@ TEST(Stop, ReturnsToTheStartOfTheEntry) {
 }
 
 TEST(Volume, FollowsItsCurveWithoutSteps) {
-    CaptureBench bench;
-    bench.list({u"music.wav"_s});
+    CaptureBench bench(QStringList{u"music.wav"_s});
     auto& engine = bench.engine();
     const auto expected = decoded(u"music.wav"_s);
     engine.PlaylistPlayItem(0, 0);
@@ -274,7 +260,7 @@ TEST(StartUpSound, PlaysBeforeInitAndIsNoEntry) {
     CaptureBench bench;
     auto& engine = bench.engine();
     EXPECT_EQ(engine.GetPosition(0), -1);
-    engine.LoadSound(0, support::fixturePath(u"tone.wav"_s));
+    engine.LoadSound(0, fixturePath(u"tone.wav"_s));
     engine.PlaySound(0);
     engine.InitEngine(2, 0, 0, 0, 0, 0);
     engine.SetPlayerFlag(0, true);
@@ -300,13 +286,12 @@ TEST(StartUpSound, AMissingFileIsNoTrouble) {
 }
 
 TEST(Overlay, OneFadesOutWhileTheOtherFadesIn) {
-    CaptureBench bench;
-    bench.list({u"music.wav"_s});
+    CaptureBench bench(QStringList{u"music.wav"_s});
     auto& engine = bench.engine();
     engine.PlaylistPlayItem(0, 0);
     engine.Seek(0, 1000);
     engine.FadePlayer(0, 99, 0, 1000);
-    engine.LoadSound(1, support::fixturePath(u"tone.wav"_s));
+    engine.LoadSound(1, fixturePath(u"tone.wav"_s));
     engine.FadePlayer(1, 0, 99, 1000);
     EXPECT_EQ(engine.GetPlayerStatus(1), player::StatusPlaying);
     const auto block = bench.pull(44100);
@@ -332,8 +317,7 @@ TEST(Overlay, OneFadesOutWhileTheOtherFadesIn) {
 }
 
 TEST(Displays, PeaksAndSpectrumOfWhatIsHeard) {
-    CaptureBench bench;
-    bench.list({u"music.wav"_s});
+    CaptureBench bench(QStringList{u"music.wav"_s});
     auto& engine = bench.engine();
     std::vector<float> bands(32, 1.0F);
     EXPECT_EQ(engine.Peaks(0), nullptr);

@@ -18,11 +18,7 @@
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
-using support::CaptureBench;
-using support::cut;
-using support::decoded;
-using support::maxDifference;
-using support::waitUntil;
+using namespace support;
 using ::testing::ElementsAre;
 
 /// Plays until `count` events are there.
@@ -34,7 +30,7 @@ QStringList eventsAfter(CaptureBench& bench, qsizetype count) {
     return bench.events;
 }
 
-QString broken(const support::TempFolder& folder, const QString& name, const QByteArray& bytes) {
+QString broken(const TempFolder& folder, const QString& name, const QByteArray& bytes) {
     QFile file(folder.file(name));
     EXPECT_TRUE(file.open(QIODevice::WriteOnly));
     file.write(bytes);
@@ -42,12 +38,10 @@ QString broken(const support::TempFolder& folder, const QString& name, const QBy
 }
 
 TEST(Skipping, InTheDirectionOfTravel) {
-    const support::TempFolder folder;
-    CaptureBench bench;
-    bench.list({u"tone.wav"_s, u"/none/missing.mp3"_s,
-                broken(folder, u"text.mp3"_s, QByteArray(9000, 'x')),
-                broken(folder, u"empty.wav"_s, {}), u"http://127.0.0.1:9/stream.mp3"_s,
-                u"tone.mp3"_s});
+    const TempFolder folder;
+    CaptureBench bench(QStringList{
+        u"tone.wav"_s, u"/none/missing.mp3"_s, broken(folder, u"text.mp3"_s, QByteArray(9000, 'x')),
+        broken(folder, u"empty.wav"_s, {}), u"http://127.0.0.1:9/stream.mp3"_s, u"tone.mp3"_s});
     auto& engine = bench.engine();
     engine.PlaylistPlayItem(0, 1);
     EXPECT_EQ(maxDifference(bench.pull(3000), cut(decoded(u"tone.mp3"_s), 0, 3000)), 0.0);
@@ -68,8 +62,7 @@ TEST(Skipping, InTheDirectionOfTravel) {
 }
 
 TEST(Skipping, WithNothingLeftPlaybackStops) {
-    CaptureBench bench;
-    bench.list({u"tone.wav"_s, u"/none/a.mp3"_s, u"/none/b.mp3"_s});
+    CaptureBench bench(QStringList{u"tone.wav"_s, u"/none/a.mp3"_s, u"/none/b.mp3"_s});
     auto& engine = bench.engine();
     engine.PlaylistPlayItem(0, 1);
     EXPECT_EQ(engine.GetPlayerStatus(0), player::StatusPlaying);
@@ -118,8 +111,7 @@ TEST(Transport, EmptyListWrongIndexAndWrongPlayerDoNothing) {
 }
 
 TEST(Transport, NextWhilePausedStaysPausedAndAtTheEndsNothingMoves) {
-    CaptureBench bench;
-    bench.list({u"tone.wav"_s, u"tone.mp3"_s});
+    CaptureBench bench(QStringList{u"tone.wav"_s, u"tone.mp3"_s});
     auto& engine = bench.engine();
     engine.PlaylistPlayItem(0, 0);
     bench.pull(3000);
@@ -142,8 +134,7 @@ TEST(Transport, NextWhilePausedStaysPausedAndAtTheEndsNothingMoves) {
 }
 
 TEST(Transport, TheListMayChangeUnderWhatPlays) {
-    CaptureBench bench;
-    bench.list({u"tone.wav"_s, u"music.mp3"_s, u"tone.ogg"_s, u"tone.flac"_s});
+    CaptureBench bench(QStringList{u"tone.wav"_s, u"music.mp3"_s, u"tone.ogg"_s, u"tone.flac"_s});
     auto& engine = bench.engine();
     engine.PlaylistPlayItem(0, 1);
     bench.pull(3000);
@@ -164,9 +155,8 @@ TEST(Transport, TheListMayChangeUnderWhatPlays) {
 }
 
 TEST(Transport, AReloadedListGoesOnWhereItIs) {
-    const support::TempFolder folder;
-    CaptureBench bench;
-    bench.list({u"tone.wav"_s, u"tone.mp3"_s});
+    const TempFolder folder;
+    CaptureBench bench(QStringList{u"tone.wav"_s, u"tone.mp3"_s});
     auto& engine = bench.engine();
     const QString file = folder.file(u"list.m3u"_s);
     ASSERT_EQ(engine.PlaylistSave(0, file, player::FormatM3u), 0);
@@ -178,11 +168,10 @@ TEST(Transport, AReloadedListGoesOnWhereItIs) {
 }
 
 TEST(Release, TheFileMayBeReplacedWhileItPlays) {
-    const support::TempFolder folder;
-    const auto copy = support::scratchCopy("tone.wav", folder.path());
+    const TempFolder folder;
+    const auto copy = scratchCopy("tone.wav", folder.path());
     const QString path = platform::toQString(copy);
-    CaptureBench bench;
-    bench.list({path});
+    CaptureBench bench(QStringList{path});
     auto& engine = bench.engine();
     const auto expected = decoded(u"tone.wav"_s);
     engine.PlaylistPlayItem(0, 0);
@@ -193,7 +182,7 @@ TEST(Release, TheFileMayBeReplacedWhileItPlays) {
         for (const QString& link : QDir(u"/proc/self/fd"_s).entryList(QDir::AllEntries))
             EXPECT_NE(QFile::symLinkTarget(u"/proc/self/fd/"_s + link), path);
         ASSERT_TRUE(QFile::remove(path));
-        std::filesystem::copy(support::fixture("tone.wav"), copy);
+        std::filesystem::copy(fixture("tone.wav"), copy);
     }
     const auto rest = bench.pull(86200);
     EXPECT_EQ(maxDifference(first, cut(expected, 0, 2000)), 0.0);
@@ -201,10 +190,9 @@ TEST(Release, TheFileMayBeReplacedWhileItPlays) {
 }
 
 TEST(Release, AFileThatIsGoneAfterwardsEndsQuietly) {
-    const support::TempFolder folder;
-    const QString path = platform::toQString(support::scratchCopy("music.wav", folder.path()));
-    CaptureBench bench;
-    bench.list({path, u"tone.wav"_s});
+    const TempFolder folder;
+    const QString path = platform::toQString(scratchCopy("music.wav", folder.path()));
+    CaptureBench bench(QStringList{path, u"tone.wav"_s});
     auto& engine = bench.engine();
     engine.PlaylistPlayItem(0, 0);
     bench.pull(2000);
@@ -249,8 +237,8 @@ TEST(Skipping, AFileThatBreaksOffGivesWayToTheNext) {
 }
 
 TEST(Commands, InAnyOrderAndAnyHurry) {
-    CaptureBench bench;
-    bench.list({u"tone.wav"_s, u"tone.mp3"_s, u"/none/x.mp3"_s, u"tone-48k.wav"_s, u"tone.ogg"_s});
+    CaptureBench bench(QStringList{u"tone.wav"_s, u"tone.mp3"_s, u"/none/x.mp3"_s,
+                                   u"tone-48k.wav"_s, u"tone.ogg"_s});
     auto& engine = bench.engine();
     unsigned random = 12345;
     for (int i = 0; i < 300; ++i) {
@@ -289,13 +277,13 @@ TEST(Commands, InAnyOrderAndAnyHurry) {
                 engine.FadePlayer(player, 99, 50, 200);
                 break;
             default:
-                engine.LoadSound(1, support::fixturePath(u"tone-mono.wav"_s));
+                engine.LoadSound(1, fixturePath(u"tone-mono.wav"_s));
                 break;
         }
         engine.GetPosition(0);
         std::vector<float> bands(16);
         engine.Spectrum(0, bands);
-        support::waitUntil([] { return true; });
+        waitUntil([] { return true; });
     }
     engine.StopPlayer(0);
     engine.StopPlayer(1);

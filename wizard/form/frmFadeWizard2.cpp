@@ -13,6 +13,7 @@
 #include "platform/Paths.h"
 #include "ui_frmFadeWizard2.h"
 #include "widgets/CommonDialog.h"
+#include "widgets/Named.h"
 #include "wizard/Genres.h"
 #include "wizard/OutputFormat.h"
 #include "wizard/form/MixPreview.h"
@@ -22,13 +23,6 @@ using namespace Qt::Literals::StringLiterals;
 namespace wizard {
 
 namespace {
-
-template <class Part>
-Part* named(const QString& name, QObject* owner) {
-    auto* part = new Part(owner);
-    part->setObjectName(name);
-    return part;
-}
 
 void keepPlaceWhenHidden(QWidget* widget) {
     QSizePolicy policy = widget->sizePolicy();
@@ -42,9 +36,9 @@ frmFadeWizard2::frmFadeWizard2(QWidget* parent)
     : QMainWindow(parent),
       openPage([](const QUrl& page) { QDesktopServices::openUrl(page); }),
       ui_(std::make_unique<Ui::frmFadeWizard2>()),
-      AudioEditor1(named<effects::AudioEditor>(u"AudioEditor1"_s, this)),
-      CommonDialog1(named<widgets::CommonDialog>(u"CommonDialog1"_s, this)),
-      Timer1(named<QTimer>(u"Timer1"_s, this)) {
+      AudioEditor1(widgets::named<effects::AudioEditor>(u"AudioEditor1"_s, this)),
+      CommonDialog1(widgets::named<widgets::CommonDialog>(u"CommonDialog1"_s, this)),
+      Timer1(widgets::named<QTimer>(u"Timer1"_s, this)) {
     ui_->setupUi(this);
     preview_ = new MixPreview(ui_->timelinePane);
     ui_->timelineLayout->addWidget(preview_);
