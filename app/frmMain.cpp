@@ -7,7 +7,6 @@
 #include <QCloseEvent>
 #include <QDir>
 #include <QFile>
-#include <QScreen>
 #include <QTimer>
 
 #include "app/EffectsHost.h"
@@ -26,6 +25,7 @@
 #include "playlist/PlaylistFiles.h"
 #include "ui_frmMain.h"
 #include "widgets/CommonDialog.h"
+#include "widgets/FitScreen.h"
 #include "widgets/MsgBox.h"
 #include "widgets/Named.h"
 
@@ -33,8 +33,6 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace app {
 namespace {
-
-constexpr int titleBarRoom = 40;
 
 player::DeckControls deckControls(const Ui::frmMain& ui) {
     return {ui.ListView1,
@@ -114,8 +112,7 @@ void frmMain::Form_Load() {
     displays_->show(0, true);
     PlayerEngine1->SetPlayerFlag(0, true);
     PlayerEngine1->SetPlayerFlag(1, true);
-    // At a high scaling the screen may be smaller than the window would like to be.
-    resize(size().boundedTo(screen()->availableSize() - QSize(0, titleBarRoom)));
+    widgets::fitScreen(*this);
     ui_->ListView1->setColumnCharacters(0, 8);
     ui_->ListView1->setColumnCharacters(1, 10);
     Timer1->start(std::chrono::milliseconds(500));

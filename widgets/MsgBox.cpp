@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "widgets/MsgBox.h"
 
+#include <algorithm>
+
 #include <QApplication>
+#include <QLabel>
 #include <QMessageBox>
 
 #include "widgets/Application.h"
@@ -65,6 +68,15 @@ MsgResult result(int pressed) {
     }
 }
 
+// The box would break lines at 500 pixels, though the texts come with breaks of their own.
+void keepLines(QMessageBox& box) {
+    auto* label = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
+    if (!label) return;
+    constexpr int widest = 640;
+    const int width = label->fontMetrics().size(0, box.text()).width() + 2 * label->margin() + 4;
+    label->setMinimumWidth(std::min(width, widest));
+}
+
 }  // namespace
 
 MsgResult msgBox(const QString& text, MsgButtons buttons, MsgIcon icon, const QString& title) {
@@ -73,6 +85,8 @@ MsgResult msgBox(const QString& text, MsgButtons buttons, MsgIcon icon, const QS
     box.setObjectName(QStringLiteral("MsgBox"));
     box.setTextFormat(Qt::PlainText);
     box.setText(text);
+    box.ensurePolished();
+    keepLines(box);
     box.setEscapeButton(escapeButton(buttons));
     return result(box.exec());
 }

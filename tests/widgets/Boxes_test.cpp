@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include <QApplication>
+#include <QLabel>
 #include <QTimer>
 #include <gtest/gtest.h>
 
@@ -52,6 +53,20 @@ TEST(MsgBox, NothingIsAddedToATitleOnTheScreen) {
     });
     msgBox(u"Really?"_s, MsgButtons::YesNo, MsgIcon::Question, u"Why?"_s);
     EXPECT_EQ(name, "Why?\n");
+}
+
+TEST(MsgBox, BreaksNoLineThatFits) {
+    const QString line =
+        u"It is strongly advised that you copy the playlist files to a 'Project Folder'"_s;
+    int width = 0;
+    QTimer::singleShot(0, [&width] {
+        support::waitFor([] { return support::openWindow("MsgBox"); });
+        QWidget* box = support::openWindow("MsgBox");
+        width = support::find<QLabel>(*box, "qt_msgbox_label").contentsRect().width();
+        box->close();
+    });
+    msgBox(line + u"\r\nBEFORE applying any effects!"_s);
+    EXPECT_GE(width, QFontMetrics(qApp->font()).horizontalAdvance(line));
 }
 
 TEST(MsgBox, EscapeIsTheAnswerThatChangesNothing) {

@@ -6,6 +6,7 @@
 #include <QGroupBox>
 #include <QMenu>
 #include <QRadioButton>
+#include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
 
@@ -16,6 +17,7 @@
 
 using namespace Qt::Literals::StringLiterals;
 using support::settle;
+using support::waitFor;
 
 namespace {
 
@@ -49,6 +51,18 @@ TEST_F(WizardForm, BearsItsCaptions) {
     EXPECT_EQ(control<QGroupBox>("Frame11").title(), u"Rename file prefix:"_s);
     EXPECT_EQ(control<QGroupBox>("Frame13").title(), u"MP3 ID Tags to apply:"_s);
     EXPECT_EQ(labelText("Label13"), u"Effect Value (default is set)"_s);
+}
+
+// Run on the usual screen, and on one of 3840×2160 at 300 %.
+TEST_F(WizardForm, FitsOnTheScreenItOpensOn) {
+    const QRect screen = window->screen()->availableGeometry();
+    EXPECT_TRUE(waitFor([&] { return screen.contains(window->frameGeometry()); }))
+        << window->frameGeometry().height() << " of " << screen.height();
+    for (const char* name : {"Button7", "Button13", "Button14"}) {
+        const QWidget& button = control(name);
+        const QRect place(button.mapToGlobal(QPoint(0, 0)), button.size());
+        EXPECT_TRUE(screen.contains(place)) << name;
+    }
 }
 
 TEST_F(WizardForm, HasEveryButtonOptionAndMenuItem) {

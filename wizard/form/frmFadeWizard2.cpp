@@ -13,6 +13,7 @@
 #include "platform/Paths.h"
 #include "ui_frmFadeWizard2.h"
 #include "widgets/CommonDialog.h"
+#include "widgets/FitScreen.h"
 #include "widgets/Named.h"
 #include "wizard/Genres.h"
 #include "wizard/OutputFormat.h"
@@ -111,6 +112,7 @@ void frmFadeWizard2::Form_Load() {
     ui_->infoGenre->setCurrentIndex(-1);
     AudioEditor1->SetTemporaryFolder(platform::fixedPath(u"C:\\Zolvo_Temp\\"_s));
     Timer1->start(std::chrono::milliseconds(500));
+    widgets::fitScreen(*this);
 }
 
 void frmFadeWizard2::Form_Activate() {
