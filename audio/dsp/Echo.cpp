@@ -2,6 +2,7 @@
 #include "audio/dsp/Echo.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <numbers>
 
@@ -9,6 +10,46 @@
 #include "platform/Error.h"
 
 namespace audio::dsp {
+namespace {
+
+/// A stretch of interleaved sound and, per channel, what the low-pass put out last.
+struct Signal {
+    std::span<float> samples;
+    std::span<float> last;
+};
+
+// The low-pass over `Channels` channels, of the `stride` that there are, of several signals of one
+// length. Each is a chain in which one step waits for the one before, so they run side by side.
+template <std::size_t Count, std::size_t Channels>
+void lowPass(const std::array<Signal, Count>& signals, std::size_t first, std::size_t stride,
+             float smoothing) {
+    const float keep = 1.0F - smoothing;
+    float last[Count][Channels];
+    for (std::size_t s = 0; s < Count; ++s)
+        for (std::size_t c = 0; c < Channels; ++c) last[s][c] = signals[s].last[first + c];
+    const std::size_t size = signals[0].samples.size();
+    for (std::size_t i = first; i < size; i += stride)
+        for (std::size_t s = 0; s < Count; ++s) {
+            float* const frame = signals[s].samples.data() + i;
+            for (std::size_t c = 0; c < Channels; ++c) {
+                last[s][c] = keep * last[s][c] + smoothing * frame[c];
+                frame[c] = last[s][c];
+            }
+        }
+    // A tail that has died away must not slow the processor down with denormal numbers.
+    for (std::size_t s = 0; s < Count; ++s)
+        for (std::size_t c = 0; c < Channels; ++c)
+            signals[s].last[first + c] = std::fabs(last[s][c]) < 1e-20F ? 0.0F : last[s][c];
+}
+
+template <std::size_t Count>
+void filter(const std::array<Signal, Count>& signals, std::size_t channels, float smoothing) {
+    std::size_t first = 0;
+    for (; first + 1 < channels; first += 2) lowPass<Count, 2>(signals, first, channels, smoothing);
+    if (first < channels) lowPass<Count, 1>(signals, first, channels, smoothing);
+}
+
+}  // namespace
 
 Echo::Echo(const EchoSettings& settings, int sampleRate, int channels)
     : settings_(settings),
@@ -38,7 +79,10 @@ void Echo::process(std::span<float> interleaved) {
         const std::span<float> output = interleaved.first(count);
         signal_.assign(output.begin(), output.end());
         applyGain(output, settings_.dry);
-        for (Repeat& repeat : repeats_) addRepeat(repeat, signal_, output);
+        std::size_t next = 0;
+        for (; next + 1 < repeats_.size(); next += 2)
+            addTwo(repeats_[next], repeats_[next + 1], output);
+        if (next < repeats_.size()) addRepeat(repeats_[next], output);
         cursor_ = (cursor_ + count) % lineSize;
         interleaved = interleaved.subspan(count);
     }
@@ -46,21 +90,31 @@ void Echo::process(std::span<float> interleaved) {
 
 // Swaps the stretch with what came D frames before it, low-passes that in place as the input of the
 // next repeat, and adds it to the output.
-void Echo::addRepeat(Repeat& repeat, std::span<float> signal, std::span<float> output) {
-    std::swap_ranges(signal.begin(), signal.end(),
-                     repeat.line.begin() + static_cast<std::ptrdiff_t>(cursor_));
-    const float keep = 1.0F - smoothing_;
-    for (std::size_t channel = 0; channel < channels_; ++channel) {
-        float last = repeat.filtered[channel];
-        for (std::size_t i = channel; i < signal.size(); i += channels_) {
-            last = keep * last + smoothing_ * signal[i];
-            signal[i] = last;
-        }
-        // A tail that has died away must not slow the processor down with denormal numbers.
-        repeat.filtered[channel] = std::fabs(last) < 1e-20F ? 0.0F : last;
-    }
+void Echo::addRepeat(Repeat& repeat, std::span<float> output) {
+    std::swap_ranges(signal_.begin(), signal_.end(), lineOf(repeat));
+    const Signal signal{signal_, repeat.filtered};
+    filter<1>({signal}, channels_, smoothing_);
     const float level = repeat.level;
-    for (std::size_t i = 0; i < signal.size(); ++i) output[i] += level * signal[i];
+    for (std::size_t i = 0; i < output.size(); ++i) output[i] += level * signal_[i];
+}
+
+// What the second repeat repeats has passed the first one D frames ago, so both can be filtered at
+// once, and a processor does the one while it waits for the other.
+void Echo::addTwo(Repeat& first, Repeat& second, std::span<float> output) {
+    std::swap_ranges(signal_.begin(), signal_.end(), lineOf(first));
+    second_.assign(lineOf(second), lineOf(second) + static_cast<std::ptrdiff_t>(output.size()));
+    filter<2>({Signal{signal_, first.filtered}, Signal{second_, second.filtered}}, channels_,
+              smoothing_);
+    const float firstLevel = first.level;
+    const float secondLevel = second.level;
+    for (std::size_t i = 0; i < output.size(); ++i)
+        output[i] = output[i] + firstLevel * signal_[i] + secondLevel * second_[i];
+    std::copy(signal_.begin(), signal_.end(), lineOf(second));
+    signal_.swap(second_);
+}
+
+std::vector<float>::iterator Echo::lineOf(Repeat& repeat) const {
+    return repeat.line.begin() + static_cast<std::ptrdiff_t>(cursor_);
 }
 
 }  // namespace audio::dsp

@@ -34,7 +34,9 @@ class Echo {
         std::vector<float> filtered;  ///< the low-pass' last output, per channel
         float level = 0.0F;
     };
-    void addRepeat(Repeat& repeat, std::span<float> signal, std::span<float> output);
+    void addRepeat(Repeat& repeat, std::span<float> output);
+    std::vector<float>::iterator lineOf(Repeat& repeat) const;
+    void addTwo(Repeat& first, Repeat& second, std::span<float> output);
 
     EchoSettings settings_;
     std::size_t channels_;
@@ -42,6 +44,7 @@ class Echo {
     std::size_t cursor_ = 0;  ///< where all the delay lines stand, in samples
     std::vector<Repeat> repeats_;
     std::vector<float> signal_;  ///< the stretch in hand, as the repeats hand it on
+    std::vector<float> second_;
 };
 
 }  // namespace audio::dsp

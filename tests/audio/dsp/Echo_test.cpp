@@ -77,3 +77,23 @@ TEST(Echo, RefusesWhatCannotBe) {
     EXPECT_THROW(Echo({10, 1, 1, 1, 0, 10}, 44100, 2), platform::Error);
     EXPECT_THROW(Echo({10, 1, 1, 1, 8000, -1}, 44100, 2), platform::Error);
 }
+
+// Two repeats and two channels at a time are filtered side by side; there may be one too many.
+TEST(Echo, HoldsForAnyNumberOfRepeatsAndChannels) {
+    const std::vector<float> sound = noise(4'000);
+    for (const int repeats : {0, 1, 2, 3, 7}) {
+        const EchoSettings settings{331, 0.8, 0.5, 0.7, 3000, repeats};
+        const std::vector<double> expected = byTheFormula(sound, settings, 44100);
+        for (const std::size_t channels : {1U, 2U, 3U, 5U}) {
+            std::vector<float> all(sound.size() * channels);
+            for (std::size_t i = 0; i < all.size(); ++i)
+                all[i] = i % channels == channels - 1 ? -sound[i / channels] : sound[i / channels];
+            Echo(settings, 44100, int(channels)).process(all);
+            for (std::size_t i = 0; i < all.size(); ++i) {
+                const double sign = i % channels == channels - 1 ? -1 : 1;
+                ASSERT_NEAR(all[i], sign * expected[i / channels], 2e-6)
+                    << repeats << " repeats, " << channels << " channels, sample " << i;
+            }
+        }
+    }
+}
