@@ -121,10 +121,10 @@ class MpegSave {
     }
 
     SaveReport splice(const mpeg::FrameIndex& index) {
-        if (job_.encodeAll) return encode(mpeg::settingsOf(index));
+        if (job_.encodeAll) return encode(mpeg::settingsOf(job_.source->path(), index));
         if (const auto reason = whyNot(index)) {
             report_.note = *reason;
-            return encode(mpeg::settingsOf(index));
+            return encode(mpeg::settingsOf(job_.source->path(), index));
         }
         try {
             return joinFrames(index);
@@ -133,7 +133,7 @@ class MpegSave {
             sink_.beginAnew();
             done_ = 0;
             work_.begin(steps);
-            return encode(mpeg::settingsOf(index));
+            return encode(mpeg::settingsOf(job_.source->path(), index));
         }
     }
 

@@ -2,8 +2,6 @@
 #include "audio/mpeg/Splice.h"
 
 #include <algorithm>
-#include <array>
-#include <cmath>
 
 #include "audio/mpeg/InfoFrame.h"
 #include "audio/mpeg/Layout.h"
@@ -16,70 +14,6 @@
 namespace audio::mpeg {
 namespace {
 
-// Average bit-rates in kbit/s that LAME's V0 to V9 give for stereo music at 44.1 kHz.
-constexpr std::array<double, 10> averages = {245, 225, 190, 175, 165, 130, 115, 100, 85, 65};
-
-// The quality that gives about this average, straight lines between the table's.
-double qualityFor(double bitsPerSecond, const FrameHeader& header) {
-    const double stereo = header.channels() == 1 ? 1.75 : 1.0;
-    const double kbps = bitsPerSecond / 1000 * stereo * 44100 / header.sampleRate;
-    if (kbps >= averages.front()) return 0;
-    for (std::size_t i = 1; i < averages.size(); ++i) {
-        if (kbps < averages[i]) continue;
-        const double part = (averages[i - 1] - kbps) / (averages[i - 1] - averages[i]);
-        return static_cast<double>(i - 1) + part;
-    }
-    return 9;
-}
-
-EncoderSettings::Rate rateOf(const FrameIndex& index) {
-    if (index.header().layer != 3) return EncoderSettings::Rate::Constant;
-    switch (index.info() ? index.info()->vbrMethod : 0) {
-        case 2:
-        case 9:
-            return EncoderSettings::Rate::Average;
-        case 3:
-        case 4:
-        case 5:
-        case 6:
-            return EncoderSettings::Rate::Quality;
-        default:
-            break;
-    }
-    if (!index.variableBitRate()) return EncoderSettings::Rate::Constant;
-    // Where a tag says nothing of the method, the size is all that is known of what was wanted.
-    return index.info() ? EncoderSettings::Rate::Average : EncoderSettings::Rate::Quality;
-}
-
-// What an ABR encoder was asked for; its frames come out a little smaller, so that their average
-// would shrink the file with every save.
-int averageOf(const FrameIndex& index) {
-    const int stated = index.info() ? index.info()->statedKbps : 0;
-    const int method = index.info() ? index.info()->vbrMethod : 0;
-    if ((method == 2 || method == 9) && stated >= 8 && stated < 255) return stated * 1000;
-    return static_cast<int>((index.averageBitRate() + 500) / 1000 * 1000);
-}
-
-void setQuality(const FrameIndex& index, EncoderSettings& settings) {
-    const auto& info = index.info();
-    const bool lame = info && info->encoder.starts_with("LAME") && info->quality &&
-                      info->vbrMethod >= 3 && info->vbrMethod <= 6;
-    settings.quality =
-        lame ? (100 - static_cast<double>(std::min(*info->quality, 100U))) / 10
-             : qualityFor(static_cast<double>(index.averageBitRate()), index.header());
-    settings.quality = std::min(settings.quality, 9.9);
-}
-
-// Layer I has bit-rates that Layer II lacks.
-int nearestLayerTwo(const FrameHeader& header) {
-    int best = 0;
-    for (int index = 1; index <= 14; ++index) {
-        const int rate = FrameHeader::bitRateOf(header.version, 2, index);
-        if (std::abs(rate - header.bitRate) < std::abs(best - header.bitRate)) best = rate;
-    }
-    return best;
-}
-
 void reportNothing(double) {}
 
 std::function<void(double)> progressOf(const SpliceOptions& options) {
@@ -87,13 +21,13 @@ std::function<void(double)> progressOf(const SpliceOptions& options) {
 }
 
 // The info frame that the new stream begins with; nothing where it has none.
-std::optional<InfoFrame> infoFrameFor(const FrameIndex& index, const Layout& layout,
-                                      SourceFrames& source) {
+std::optional<InfoFrame> infoFrameFor(const FrameIndex& index, const EncoderSettings& settings,
+                                      const Layout& layout, SourceFrames& source) {
     const auto& info = index.info();
     if (!info && !layout.statesGaps) return std::nullopt;
     const bool usable = info && info->kind != InfoTag::Kind::Vbri &&
                         (!layout.statesGaps || (info->lameOffset && info->framesOffset));
-    if (!usable) return InfoFrame(settingsOf(index), index.header());
+    if (!usable) return InfoFrame(settings, index.header());
     const auto bytes = source.bytes(index.infoFrame());
     return InfoFrame({bytes.begin(), bytes.end()});
 }
@@ -133,27 +67,11 @@ std::optional<std::string> whyNotSpliceable(const std::filesystem::path& file,
     return std::nullopt;
 }
 
-EncoderSettings settingsOf(const FrameIndex& index) {
-    const FrameHeader& header = index.header();
-    EncoderSettings settings;
-    settings.layer = header.layer == 3 ? 3 : 2;
-    settings.sampleRate = header.sampleRate;
-    settings.mode = header.mode;
-    settings.crc = settings.layer == 3 && header.crc;
-    settings.rate = rateOf(index);
-    settings.bitRate = header.layer == 1 ? nearestLayerTwo(header) : header.bitRate;
-    if (settings.rate == EncoderSettings::Rate::Average || header.freeFormat()) {
-        settings.bitRate = averageOf(index);
-    }
-    if (settings.rate == EncoderSettings::Rate::Quality) setQuality(index, settings);
-    return settings;
-}
-
 SpliceOutcome splice(const std::filesystem::path& file, const FrameIndex& index,
                      const std::vector<Segment>& plan, StreamSink& sink,
                      const SpliceOptions& options) {
     if (const auto reason = whyNotSpliceable(file, index)) throw CannotSplice(*reason);
-    const EncoderSettings settings = settingsOf(index);
+    const EncoderSettings settings = settingsOf(file, index);
     const Geometry geometry = Geometry::of(settings.layer, settings.samplesPerFrame());
     SourceFrames frames(file, index);
     const Layout layout = layOut(index, plan, [&](std::int64_t frame) {
@@ -163,7 +81,7 @@ SpliceOutcome splice(const std::filesystem::path& file, const FrameIndex& index,
     OutputSound sound(plan, &source, settings.channels(), layout.start, index.gaplessStart());
 
     StreamWriter writer(sink, layout.frames);
-    auto info = infoFrameFor(index, layout, frames);
+    auto info = infoFrameFor(index, settings, layout, frames);
     if (info) writer.writeInfoFrame(info->bytes());
     SeamCheck check(file, index);
     writer.setListener([&check](std::int64_t number, std::span<const std::uint8_t> frame) {

@@ -26,7 +26,7 @@
 ///         splice(file, index, plan, sink, {});
 ///     } catch (const CannotSplice&) {
 ///         // start the target afresh, with encode()
-///         encode(settingsOf(index), wholeSound, length, sink, {});
+///         encode(settingsOf(file, index), wholeSound, length, sink, {});
 ///     }
 ///
 /// Lengths and positions are samples per channel, of the gapless sound. A frame that holds nothing
@@ -101,8 +101,10 @@ struct SpliceOutcome {
 std::optional<std::string> whyNotSpliceable(const std::filesystem::path& file,
                                             const FrameIndex& index);
 
-/// How new frames for this file are encoded: its layer, rate, mode and bit-rate or quality.
-EncoderSettings settingsOf(const FrameIndex& index);
+/// How new frames for this file are encoded: its layer, rate, mode and bit-rate or quality. Where a
+/// variable bit-rate comes without a word on its quality, some of the file's sound is encoded until
+/// it takes as much room as there. Throws platform::Error where the file cannot be read.
+EncoderSettings settingsOf(const std::filesystem::path& file, const FrameIndex& index);
 
 /// Writes the plan's sound, keeping all frames that it leaves as they are. Throws CannotSplice
 /// where frames cannot be joined (then encode() can), platform::Error where the file cannot be

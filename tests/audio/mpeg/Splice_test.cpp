@@ -129,7 +129,7 @@ class SpliceTest : public ::testing::TestWithParam<Variant> {
     // on average where that is larger, in dB.
     double worstSeam(const SpliceOutcome& outcome, const Sound& wanted) {
         support::MemorySink sink;
-        encode(settingsOf(*index_), support::soundFrom(std::make_shared<Sound>(wanted)),
+        encode(settingsOf(file_, *index_), support::soundFrom(std::make_shared<Sound>(wanted)),
                wanted.length(), sink, {});
         const auto plainFile = folder_ / ("plain" + file_.extension().string());
         support::writeBytes(plainFile, sink.bytes());

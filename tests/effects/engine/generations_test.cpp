@@ -11,6 +11,8 @@
 #include "tests/support/Sound.h"
 #include "tests/support/TempFolder.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 using support::Sound;
 
 namespace {
@@ -69,4 +71,29 @@ TEST_P(Generations, TenFadeInsKeepTheLengthAndTheRest) {
         EXPECT_LE(
             support::maxDifference(wanted.part(0, second).samples, after.part(0, second).samples),
             step);
+}
+
+// Programs other than LAME write variable bit-rates without a word on what was asked for.
+TEST(Generations, AVariableBitRateOfUnknownQualityIsKept) {
+    const support::TempFolder folder;
+    const auto file = folder.path() / "unknown.mp3";
+    const QString sound =
+        u"anoisesrc=c=pink:a=0.4:d=12:r=44100:seed=7,tremolo=f=2.7:d=0.8[noise];"
+        "aevalsrc=0.3*sin(2*PI*(220+110*mod(floor(t*3)\\,5))*t):d=12:s=44100[notes];"
+        "[noise][notes]amix,aformat=channel_layouts=stereo"_s;
+    const support::Outcome made = support::run(
+        u"ffmpeg"_s, {u"-v"_s, u"error"_s, u"-f"_s, u"lavfi"_s, u"-i"_s, sound, u"-c:a"_s,
+                      u"libmp3lame"_s, u"-q:a"_s, u"2"_s, platform::toQString(file)});
+    ASSERT_EQ(made.exitCode, 0) << made.err.toStdString();
+    const auto before = double(std::filesystem::file_size(file));
+    effects::AudioEditor editor;
+    for (int generation = 1; generation <= 4; ++generation) {
+        editor.Load(platform::toQString(file));
+        editor.SetSelectionActive(true);
+        editor.SetSelectionEnd(editor.GetLength());
+        editor.Amplify(generation % 2 == 1 ? 90.0F : 110.0F);
+        editor.SetSelectionActive(false);
+        editor.Save(platform::toQString(file), true, 0);
+        EXPECT_NEAR(double(std::filesystem::file_size(file)) / before, 1.0, 0.02 * generation);
+    }
 }
