@@ -225,6 +225,10 @@ class VorbisTest : public testing::Test {
         encode(joined(), format, sound, inChunks());
         encode(single(), format, sound, atOnce());
         expectExactGranules(joined(), static_cast<std::int64_t>(sound.frames()));
+        const auto complaints =
+            support::run(u"ffmpeg"_s, {u"-v"_s, u"warning"_s, u"-nostdin"_s, u"-i"_s,
+                                       platform::toQString(joined()), u"-f"_s, u"null"_s, u"-"_s});
+        EXPECT_EQ(complaints.err.toStdString(), "");
         expectSoundLike(support::decodeWithFfmpeg(joined()), support::decodeWithFfmpeg(single()),
                         sound);
         if (format.channels > 2) return;  // oggdec writes them in the order of Vorbis
