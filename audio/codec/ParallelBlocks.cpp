@@ -8,7 +8,8 @@ namespace audio::codec {
 namespace {
 
 constexpr std::size_t chunkBlocks = 96;  // the block before, encoded twice, costs one in a hundred
-constexpr int mostThreads = 8;           // more would cost memory
+constexpr std::size_t ahead = 2;  // chunks in the works beyond the threads, so that none waits
+constexpr int mostThreads = 8;    // more would cost memory
 
 std::size_t threadCount(int asked) {
     const int cores = static_cast<int>(std::thread::hardware_concurrency());
@@ -38,7 +39,7 @@ void ParallelBlocks::finish() {
 }
 
 void ParallelBlocks::start() {
-    while (running_.size() >= threads_) giveFirst();
+    while (running_.size() >= threads_ + ahead) giveFirst();
     const auto channels = static_cast<std::size_t>(format_.channels);
     const std::size_t kept = gathered_.sound.size() - blockSamples_;
     Chunk next;

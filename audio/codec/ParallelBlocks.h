@@ -13,11 +13,11 @@ namespace audio::codec {
 /// Encodes on several threads, for a recipe with independent blocks: chunks of a fixed length, each
 /// by an encoder of its own that is shown the block before. The packets are those that a single
 /// encoder would make, and are given in order on the calling thread. Memory: one chunk of about
-/// 200,000 frames for each thread and one being gathered. One thread at a time; throws what an
-/// encoder threw, when the turn of its packets comes.
+/// 200,000 frames for each thread, two that keep the threads busy and one being gathered. One
+/// thread at a time; throws what an encoder threw, when the turn of its packets comes.
 class ParallelBlocks {
   public:
-    /// `threads`: how many encode; 0: one for each core.
+    /// `threads`: how many shall be busy; 0: one for each core.
     ParallelBlocks(const std::filesystem::path& file, const Format& format, const Recipe& recipe,
                    int threads, TakePacket take);
 
