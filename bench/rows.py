@@ -125,9 +125,9 @@ def _ffmpeg(row):
                               f'{after}{" ".join(row.form.ffmpeg)} {{new}}', row.form.extension)
 
 
-_FIND_PEAK = ('peak=$(ffmpeg -nostdin -hide_banner -i "$1" -af volumedetect -f null - 2>&1 | '
+_FIND_PEAK = ('peak=$(ffmpeg -nostdin -nostats -hide_banner -i "$1" -af volumedetect -f null - 2>&1 | '
               "sed -n 's/.*max_volume: -*\\([0-9.]*\\) dB/\\1/p') && ")
-_FIND_SILENCE = ('set -- "$1" $(ffmpeg -nostdin -hide_banner -i "$1" '
+_FIND_SILENCE = ('set -- "$1" $(ffmpeg -nostdin -nostats -hide_banner -i "$1" '
                  '-af silencedetect=noise=-50dB:d=1 -f null - 2>&1 | '
                  "awk '/silence_end/ && !front { front = $5 } /silence_start/ { back = $5 } "
                  "END { print front, back }') && ")
