@@ -1,20 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "audio/codec/ParallelBlocks.h"
 
-#include <algorithm>
-#include <thread>
+#include "audio/parallel/Threads.h"
 
 namespace audio::codec {
 namespace {
 
 constexpr std::size_t chunkBlocks = 96;  // the block before, encoded twice, costs one in a hundred
-constexpr std::size_t ahead = 2;  // chunks in the works beyond the threads, so that none waits
-constexpr int mostThreads = 8;    // more would cost memory
-
-std::size_t threadCount(int asked) {
-    const int cores = static_cast<int>(std::thread::hardware_concurrency());
-    return static_cast<std::size_t>(std::clamp(asked > 0 ? asked : cores, 1, mostThreads));
-}
+constexpr int waiting = 2;  // chunks beyond those in work, so that no thread waits for sound
 
 }  // namespace
 
@@ -23,8 +16,8 @@ ParallelBlocks::ParallelBlocks(const std::filesystem::path& file, const Format& 
     : file_(file),
       format_(format),
       recipe_(recipe),
-      threads_(threadCount(threads)),
-      take_(std::move(take)) {}
+      take_(std::move(take)),
+      running_(parallel::threadCount(threads), waiting) {}
 
 void ParallelBlocks::add(const float* interleaved, std::size_t frames) {
     blockSamples_ = frames * static_cast<std::size_t>(format_.channels);
@@ -39,7 +32,7 @@ void ParallelBlocks::finish() {
 }
 
 void ParallelBlocks::start() {
-    while (running_.size() >= threads_ + ahead) giveFirst();
+    while (running_.full()) giveFirst();
     const auto channels = static_cast<std::size_t>(format_.channels);
     const std::size_t kept = gathered_.sound.size() - blockSamples_;
     Chunk next;
@@ -47,17 +40,15 @@ void ParallelBlocks::start() {
                       gathered_.sound.end());
     next.stamp = gathered_.stamp + static_cast<std::int64_t>(kept / channels);
     next.knowsBefore = true;
-    running_.push_back(std::async(std::launch::async, [this, chunk = std::move(gathered_)] {
+    running_.begin([this, chunk = std::move(gathered_)] {
         BlockEncoder encoder(file_, format_, recipe_);
         return encode(encoder, chunk);
-    }));
+    });
     gathered_ = std::move(next);
 }
 
 void ParallelBlocks::giveFirst() {
-    const Packets packets = running_.front().get();
-    running_.pop_front();
-    for (const PacketPtr& packet : packets) take_(*packet);
+    for (const PacketPtr& packet : running_.take()) take_(*packet);
 }
 
 ParallelBlocks::Packets ParallelBlocks::encode(BlockEncoder& encoder, const Chunk& chunk) {

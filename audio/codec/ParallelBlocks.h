@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <deque>
 #include <filesystem>
-#include <future>
 #include <vector>
 
 #include "audio/codec/BlockEncoder.h"
+#include "audio/parallel/OrderedTasks.h"
 
 namespace audio::codec {
 
@@ -40,11 +39,10 @@ class ParallelBlocks {
     std::filesystem::path file_;
     Format format_;
     Recipe recipe_;
-    std::size_t threads_;
     TakePacket take_;
     Chunk gathered_;
     std::size_t blockSamples_ = 0;
-    std::deque<std::future<Packets>> running_;  // the last member: it waits for the threads
+    parallel::OrderedTasks<Packets> running_;
 };
 
 }  // namespace audio::codec

@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <array>
 #include <numeric>
-#include <thread>
 
 #include "audio/codec/Source.h"
+#include "audio/parallel/Threads.h"
 
 namespace audio::codec {
 namespace {
@@ -17,9 +17,6 @@ constexpr std::int64_t shortestChunk = 1 << 16;
 constexpr std::int64_t worthwhileChunk = 1 << 18;
 // Two or four cores then have the same number each.
 constexpr std::int64_t chunkGroup = 4;
-// More chunks at a time would cost memory.
-constexpr int mostThreads = 8;
-
 // In hops of long blocks: after so many an encoder has forgotten where it began.
 constexpr std::int64_t runInHops = 64;
 // In long blocks: before these an encoder still hears its own beginning.
@@ -30,11 +27,6 @@ constexpr std::int64_t searchRound = 960;
 // An encoder takes its own beginning for an attack: so many short blocks usually come after the
 // first, or else another number.
 constexpr std::array<std::int64_t, 4> shortBlocksFirst = {1, 2, 0, 3};
-
-int threadCount(int asked) {
-    const int cores = static_cast<int>(std::thread::hardware_concurrency());
-    return std::clamp(asked > 0 ? asked : cores, 1, mostThreads);
-}
 
 std::int64_t hopOf(const VorbisEncoder& encoder) {
     return encoder.longBlock() / 2;
@@ -95,14 +87,13 @@ VorbisChunks::VorbisChunks(const std::filesystem::path& file, const Format& form
       take_(std::move(take)),
       windows_(file, format),
       headers_(windows_.headers()),
-      turns_(threadCount(chunking.threads)),
-      ahead_(static_cast<std::size_t>(threadCount(chunking.threads)) + 1) {
+      running_(parallel::threadCount(chunking.threads), 1) {
     sound_.planes.resize(static_cast<std::size_t>(format.channels));
 }
 
 VorbisChunks::~VorbisChunks() {
     stopping_ = true;
-    running_.clear();  // the futures join their threads, which use this object
+    running_.clear();
 }
 
 void VorbisChunks::added() {
@@ -171,16 +162,8 @@ void VorbisChunks::dropSound() {
 }
 
 void VorbisChunks::run(VorbisChunk chunk) {
-    while (running_.size() >= ahead_) join();
-    auto work = [this, chunk = std::move(chunk)]() mutable {
-        turns_.acquire();
-        struct Release {
-            std::counting_semaphore<>& turns;
-            ~Release() { turns.release(); }
-        } release{turns_};
-        return encode(std::move(chunk));
-    };
-    running_.push_back(std::async(std::launch::async, std::move(work)));
+    while (running_.full()) join();
+    running_.begin([this, chunk = std::move(chunk)]() mutable { return encode(std::move(chunk)); });
 }
 
 VorbisChunks::Result VorbisChunks::encode(VorbisChunk chunk) const {
@@ -224,8 +207,7 @@ void VorbisChunks::goOn() const {
 }
 
 void VorbisChunks::join() {
-    Result result = running_.front().get();
-    running_.pop_front();
+    Result result = running_.take();
     const bool fits =
         result.encoder &&
         (!left_ || (!result.packets.empty() && result.packets.front().block.follows(last_)));

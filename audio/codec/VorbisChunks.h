@@ -7,12 +7,11 @@
 #include <deque>
 #include <filesystem>
 #include <functional>
-#include <future>
 #include <memory>
-#include <semaphore>
 #include <vector>
 
 #include "audio/codec/VorbisEncoder.h"
+#include "audio/parallel/OrderedTasks.h"
 
 namespace audio::codec {
 
@@ -106,9 +105,7 @@ class VorbisChunks {
     VorbisBlock last_;                     ///< the last of them
 
     std::atomic<bool> stopping_ = false;
-    std::counting_semaphore<> turns_;
-    std::size_t ahead_;
-    std::deque<std::future<Result>> running_;  // uses all above
+    parallel::OrderedTasks<Result> running_;  // uses all above
 };
 
 }  // namespace audio::codec

@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <atomic>
 #include <future>
-#include <thread>
 
 #include "audio/edit/EditReader.h"
+#include "audio/parallel/Threads.h"
 
 namespace audio::edit {
 namespace {
@@ -14,7 +14,6 @@ namespace {
 constexpr std::int64_t mostPieces = 16;
 constexpr std::int64_t shortestPieceSeconds = 10;
 constexpr std::size_t blockFrames = 16384;
-constexpr unsigned mostThreads = 8;
 
 bool seeksFast(const EditList& list) {
     return std::ranges::all_of(list.segments(), [](const Segment& segment) {
@@ -78,8 +77,8 @@ std::vector<FrameRange> piecesOf(const EditList& list, FrameRange range, std::in
 void scan(const EditList& list, const std::vector<FrameRange>& ranges, Work& work,
           const std::function<void(std::size_t, std::span<const float>)>& take) {
     Scan scan(list, ranges, work, take);
-    const unsigned cores = std::clamp(std::thread::hardware_concurrency(), 1U, mostThreads);
-    const std::size_t threads = std::min<std::size_t>(cores, ranges.size());
+    const auto cores = static_cast<std::size_t>(parallel::threadCount());
+    const std::size_t threads = std::min(cores, ranges.size());
     std::vector<std::future<void>> others;
     for (std::size_t i = 1; i < threads; ++i)
         others.push_back(std::async(std::launch::async, [&scan] { scan.run(); }));

@@ -3,10 +3,10 @@
 
 #include <algorithm>
 #include <chrono>
-#include <thread>
 
 #include "audio/mpeg/LameEncoder.h"
 #include "audio/mpeg/LayerTwoEncoder.h"
+#include "audio/parallel/Threads.h"
 
 namespace audio::mpeg {
 namespace {
@@ -28,9 +28,6 @@ std::int64_t preRollOf(const EncoderSettings& settings) {
 }
 // The encoder looks so far ahead.
 constexpr std::int64_t postRoll = 6;
-// More chunks at a time would cost memory.
-constexpr int mostThreads = 8;
-
 std::vector<LogicalFrame> encodeSound(const EncoderSettings& settings,
                                       std::span<const float> sound) {
     return settings.layer == 3 ? encodeWithLame(settings, sound) : encodeLayerTwo(settings, sound);
@@ -46,11 +43,6 @@ std::vector<LogicalFrame> encodePart(const EncoderSettings& settings, std::span<
     frames.erase(frames.begin() + static_cast<long>(skip + count), frames.end());
     frames.erase(frames.begin(), frames.begin() + static_cast<long>(skip));
     return frames;
-}
-
-int threadCount(int asked) {
-    const int cores = static_cast<int>(std::thread::hardware_concurrency());
-    return std::clamp(asked > 0 ? asked : cores, 1, mostThreads);
 }
 
 // The frame an encoder has to begin with so that frames from `first` on come out right.
@@ -102,37 +94,21 @@ ChunkEncoder::ChunkEncoder(const EncoderSettings& settings, std::vector<ChunkPla
       plans_(std::move(plans)),
       sound_(sound),
       tick_(tick),
-      ahead_(static_cast<std::size_t>(threadCount(threads)) + 1),
-      turns_(threadCount(threads)) {}
-
-ChunkEncoder::~ChunkEncoder() {
-    // The futures join their threads, which use this object.
-    running_.clear();
-}
+      running_(parallel::threadCount(threads), 1) {}
 
 Chunk ChunkEncoder::next() {
-    while (started_ < plans_.size() && running_.size() < ahead_) start(plans_[started_++]);
-    while (running_.front().wait_for(std::chrono::milliseconds(20)) != std::future_status::ready) {
-        tick_();
-    }
-    Chunk chunk = running_.front().get();
-    running_.pop_front();
-    return chunk;
+    while (started_ < plans_.size() && !running_.full()) start(plans_[started_++]);
+    while (!running_.ready(std::chrono::milliseconds(20))) tick_();
+    return running_.take();
 }
 
 void ChunkEncoder::start(const ChunkPlan& plan) {
-    auto sound = readSound(plan);
-    running_.push_back(std::async(std::launch::async, [this, plan, sound] {
-        turns_.acquire();
-        struct Release {
-            std::counting_semaphore<>& turns;
-            ~Release() { turns.release(); }
-        } release{turns_};
+    running_.begin([this, plan, sound = readSound(plan)] {
         return Chunk{
             plan, sound,
             encodePart(settings_, *sound, static_cast<std::size_t>(plan.first - plan.encodeFrom),
                        static_cast<std::size_t>(plan.end - plan.first))};
-    }));
+    });
 }
 
 std::shared_ptr<const std::vector<float>> ChunkEncoder::readSound(const ChunkPlan& plan) {

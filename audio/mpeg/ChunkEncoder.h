@@ -2,17 +2,15 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
 #include <functional>
-#include <future>
 #include <memory>
-#include <semaphore>
 #include <vector>
 
 #include "audio/mpeg/EncoderSettings.h"
 #include "audio/mpeg/Layout.h"
 #include "audio/mpeg/LogicalFrame.h"
 #include "audio/mpeg/OutputSound.h"
+#include "audio/parallel/OrderedTasks.h"
 
 namespace audio::mpeg {
 
@@ -48,7 +46,6 @@ class ChunkEncoder {
     /// `tick` is called every 20 ms while the caller waits. All references must outlive it.
     ChunkEncoder(const EncoderSettings& settings, std::vector<ChunkPlan> plans, OutputSound& sound,
                  int threads, const std::function<void()>& tick);
-    ~ChunkEncoder();
 
     /// The next chunk; throws what the encoder or the sound threw.
     Chunk next();
@@ -68,12 +65,10 @@ class ChunkEncoder {
     OutputSound& sound_;
     const std::function<void()>& tick_;
     std::size_t started_ = 0;
-    std::size_t ahead_;
-    std::counting_semaphore<> turns_;
-    std::deque<std::future<Chunk>> running_;
     std::vector<std::shared_ptr<std::vector<float>>> sounds_;  // all there are, in use or not
     std::shared_ptr<const std::vector<float>> lastSound_;
     std::int64_t lastSoundFrom_ = 0;  // raw
+    parallel::OrderedTasks<Chunk> running_;
 };
 
 }  // namespace audio::mpeg
