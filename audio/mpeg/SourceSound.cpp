@@ -43,17 +43,18 @@ void SourceSound::decodeFrame(std::int64_t frame) {
     decodedFrame_ = frame;
 }
 
-// Where decoding has to begin for this frame to come out right: three frames before fill overlap
-// and filters, and the bit reservoir reaches back at most 511 bytes of main data.
+// Where decoding has to begin for this frame to come out right: the frames right before it fill
+// overlap and filters and have to come out right too, and the bit reservoir reaches back at most
+// 511 bytes of main data before the first of those.
 std::int64_t SourceSound::preRoll(std::int64_t frame) {
-    constexpr std::int64_t fewestFrames = 4;
-    constexpr std::int64_t mainData = 600;
+    constexpr std::int64_t filled = 3;
+    constexpr std::int64_t mainData = 511;
     const int overhead = index_.header().sideInfoSize() + 6;
     std::int64_t bytes = 0;
     std::int64_t first = frame;
-    while (first > 0 && (frame - first < fewestFrames || bytes < mainData)) {
+    while (first > 0 && (frame - first <= filled || bytes < mainData)) {
         --first;
-        bytes += index_.frame(first).size - overhead;
+        if (frame - first > filled) bytes += index_.frame(first).size - overhead;
     }
     return first;
 }

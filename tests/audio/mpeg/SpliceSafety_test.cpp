@@ -11,6 +11,7 @@
 #include "audio/mpeg/ReservoirFit.h"
 #include "audio/mpeg/ReservoirWriter.h"
 #include "audio/mpeg/SeamCheck.h"
+#include "audio/mpeg/SourceSound.h"
 #include "audio/mpeg/Splice.h"
 #include "tests/audio/mpeg/SpliceTools.h"
 #include "tests/support/TempFolder.h"
@@ -167,6 +168,26 @@ TEST_F(SpliceSafetyTest, BrokenReservoirIsNoticed) {
             EXPECT_THROW(feed(), CannotSplice);
         } else {
             EXPECT_NO_THROW(feed());
+        }
+    }
+}
+
+// Small frames reach back over many others, and so do the ones before them that they overlap.
+TEST_F(SpliceSafetyTest, AFrameSoundsTheSameWhereverDecodingBegins) {
+    for (const char* rate : {"-V6", "-V5", "-b56", "-b48", "-b32"}) {
+        SCOPED_TRACE(rate);
+        const auto file = folder_ / "small.mp3";
+        support::encodeMp3(
+            file, support::makeSound(44100, 1, 400000, 5),
+            {u"-m"_s, u"m"_s, u"--resample"_s, u"44.1"_s, QString::fromLatin1(rate)});
+        const FrameIndex index(file);
+        SourceSound running(file, index);
+        std::vector<float> wanted(1152);
+        std::vector<float> found(1152);
+        for (std::int64_t frame = 0; frame < index.frameCount(); ++frame) {
+            running.read(frame * 1152, 1152, wanted.data());
+            SourceSound(file, index).read(frame * 1152, 1152, found.data());
+            ASSERT_EQ(found, wanted) << "frame " << frame;
         }
     }
 }
