@@ -5,8 +5,10 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QJsonObject>
 #include <QSet>
 
+#include "audio/edit/Saver.h"
 #include "cli/Jobs.h"
 #include "cli/Report.h"
 #include "effects/engine/AudioEditor.h"
@@ -47,6 +49,29 @@ std::vector<Task> tasksOf(const EffectRun& run, Report& report) {
     return tasks;
 }
 
+QString nameOf(audio::edit::SaveMethod method) {
+    switch (method) {
+        case audio::edit::SaveMethod::Copied:
+            return u"copied"_s;
+        case audio::edit::SaveMethod::Pcm:
+            return u"pcm"_s;
+        case audio::edit::SaveMethod::Spliced:
+            return u"spliced"_s;
+        case audio::edit::SaveMethod::Encoded:
+            break;
+    }
+    return u"encoded"_s;
+}
+
+// How the file was saved, and why not in a cheaper way.
+QJsonObject detailsOf(const audio::edit::SaveReport& report) {
+    QJsonObject details{{u"saved"_s, nameOf(report.method)},
+                        {u"frames"_s, static_cast<qint64>(report.frames)},
+                        {u"newFrames"_s, static_cast<qint64>(report.renderedFrames)}};
+    if (!report.note.empty()) details[u"note"_s] = QString::fromStdString(report.note);
+    return details;
+}
+
 class FileWork {
   public:
     FileWork(const EffectRun& run, const Task& task, std::size_t number, Report& report)
@@ -54,9 +79,10 @@ class FileWork {
 
     void operator()() {
         try {
-            work();
+            const QJsonObject details = work();
             report_.progress(number_, 1);
-            report_.done(task_.source, task_.target == task_.source ? QString() : task_.target);
+            report_.done(task_.source, task_.target == task_.source ? QString() : task_.target,
+                         details);
         } catch (const std::exception& error) {
             report_.progress(number_, 1);
             report_.failed(task_.source, QString::fromUtf8(error.what()));
@@ -64,7 +90,7 @@ class FileWork {
     }
 
   private:
-    void work() {
+    QJsonObject work() {
         effects::AudioEditor editor;
         int phase = 0;
         QObject::connect(&editor, &effects::AudioEditor::Progress, [&](int percent) {
@@ -77,6 +103,7 @@ class FileWork {
         run_.effect->apply(editor, settings, effects::callStrictly);
         phase = 2;
         editor.Save(task_.target, true, 0);
+        return detailsOf(editor.LastSaveReport());
     }
 
     const EffectRun& run_;

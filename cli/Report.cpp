@@ -56,11 +56,13 @@ void Report::progress(std::size_t file, double fraction) {
     if (std::chrono::steady_clock::now() - drawn_ >= redrawPause) drawBar();
 }
 
-void Report::done(const QString& file, const QString& output) {
+void Report::done(const QString& file, const QString& output, const QJsonObject& details) {
     const std::lock_guard lock(mutex_);
     ++done_;
     if (style_ == Style::Json) {
-        QJsonObject fields{{u"file"_s, file}, {u"status"_s, u"done"_s}};
+        QJsonObject fields = details;
+        fields[u"file"_s] = file;
+        fields[u"status"_s] = u"done"_s;
         if (!output.isEmpty()) fields[u"output"_s] = output;
         return writeJson(fields);
     }

@@ -314,6 +314,27 @@ TEST(CliUsage, HelpAndVersionAreNoErrors) {
         EXPECT_THAT(help.out.toStdString(), HasSubstr(option));
 }
 
+TEST(CliEffects, JsonTellsWhatWasEncodedAndWhyAllWas) {
+    TempFolder folder;
+    const QString good = copyOf("music.mp3", folder, u"good.mp3"_s);
+    const QString junk = copyOf("music.mp3", folder, u"junk.mp3"_s);
+    auto bytes = readBytes(platform::toPath(junk));
+    bytes.insert(bytes.begin() + std::ssize(bytes) / 2, 50'000, std::byte{0});
+    std::ofstream(platform::toPath(junk), std::ios::binary)
+        .write(reinterpret_cast<const char*>(bytes.data()), std::ssize(bytes));
+    const auto lines = objects(cli({u"--json"_s, u"effect"_s, u"fade-in"_s, u"--seconds"_s, u"2"_s,
+                                    u"--jobs"_s, u"1"_s, good, junk}));
+    ASSERT_EQ(lines.size(), 3);
+    EXPECT_EQ(lines[0][u"saved"_s], u"spliced"_s);
+    EXPECT_EQ(lines[0][u"frames"_s].toInt(), 20 * 44100);
+    EXPECT_GE(lines[0][u"newFrames"_s].toInt(), 2 * 44100);
+    EXPECT_LT(lines[0][u"newFrames"_s].toInt(), 3 * 44100);
+    EXPECT_FALSE(lines[0].contains(u"note"_s));
+    EXPECT_EQ(lines[1][u"saved"_s], u"encoded"_s);
+    EXPECT_THAT(lines[1][u"note"_s].toString().toStdString(),
+                HasSubstr("something else than sound stands between its frames"));
+}
+
 TEST(CliTerminal, ABarMovesBelowTheLines) {
     TempFolder folder;
     const QString file = copyOf("tone.mp3", folder, u"a.mp3"_s);
