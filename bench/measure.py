@@ -19,7 +19,7 @@ class Usage(NamedTuple):
 
 
 def run(*command):
-    """A finished helper's output; raises when it fails."""
+    """The output of a program that ran to its end; raises where it fails."""
     return subprocess.run([str(part) for part in command], check=True, capture_output=True,
                           text=True, stdin=subprocess.DEVNULL)
 
