@@ -354,4 +354,4 @@ QString PlayerEngine::OutputName() const {
 }  // namespace player
 
 // Here and not with the other classes': a program without a player then needs no sound device.
-#include "moc_PlayerEngine.cpp"
+#include "moc_PlayerEngine.cpp"  // NOLINT(bugprone-suspicious-include)

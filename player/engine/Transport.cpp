@@ -236,4 +236,4 @@ void Transport::finish() {
 
 }  // namespace player
 
-#include "moc_Transport.cpp"
+#include "moc_Transport.cpp"  // NOLINT(bugprone-suspicious-include)
