@@ -8,8 +8,8 @@
 #include <QEventLoop>
 #include <QThread>
 
-#include "platform/CopyFile.h"
 #include "platform/Paths.h"
+#include "platform/file/Copy.h"
 
 namespace handoff {
 
@@ -31,8 +31,9 @@ bool copyWhileYielding(const CopyItem& item, const QString& target,
     };
     const std::unique_ptr<QThread> worker(QThread::create([&] {
         try {
-            platform::copyFile(platform::toPath(item.source), platform::toPath(target + item.name),
-                               platform::Existing::Replace, tell);
+            platform::file::copy(platform::toPath(item.source),
+                                 platform::toPath(target + item.name),
+                                 platform::file::Existing::Replace, tell);
         } catch (...) {
             failure = std::current_exception();
         }

@@ -9,11 +9,11 @@
 #include "app/modules/modPath.h"
 #include "handoff/Host.h"
 #include "handoff/ReplaceListLine.h"
-#include "platform/AtomicFile.h"
 #include "platform/Error.h"
-#include "platform/MoveFile.h"
 #include "platform/Paths.h"
-#include "platform/RenameFile.h"
+#include "platform/file/Move.h"
+#include "platform/file/Rename.h"
+#include "platform/file/Replacement.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -70,11 +70,11 @@ void revisePlaylist(const QString& playlist, const QString& folder, const QStrin
     refuseAsScratch(scratch, playlist);
     refuseAsScratch(scratch, newPath);
     const QByteArray revised = replaceListLine(readWhole(playlist), oldPath, newPath);
-    platform::AtomicFile file(scratch);
+    platform::file::Replacement file(scratch);
     file.write(revised.constData(), static_cast<std::size_t>(revised.size()));
     file.commit();
     removePlaylist(playlist);
-    platform::moveFile(scratch, platform::toPath(playlist));
+    platform::file::move(scratch, platform::toPath(playlist));
 }
 
 bool isListWithFile(const QString& caption) {
@@ -85,7 +85,7 @@ void renameTo(Host& host, const SelectedFile& file, const QString& name) {
     const QString folder = modPath::GetPathPart(file.path);
     const QString newPath = folder + name + file.path.right(4);
     host.showMessage(file.path + u"    "_s + newPath);
-    platform::renameFile(platform::toPath(file.path), platform::toPath(newPath));
+    platform::file::rename(platform::toPath(file.path), platform::toPath(newPath));
     const QString caption = host.playlistCaption();
     if (!isListWithFile(caption)) {
         host.setTitleCell(file.row, name);

@@ -25,7 +25,7 @@ void requireFile(const std::filesystem::path& file) {
 
 /// Whether frames of MPEG audio follow one another right behind the file's leading tags.
 bool isMpegAudio(const std::filesystem::path& file) {
-    mpeg::FileReader reader(file);
+    platform::file::WindowReader reader(file);
     const std::int64_t start = mpeg::findTags(reader).leadingEnd;
     if (!mpeg::FrameHeader::parse(reader.at(start, 4))) return false;
     mpeg::FrameScanner scanner(reader);

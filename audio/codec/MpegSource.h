@@ -8,9 +8,9 @@
 #include "audio/codec/Ffmpeg.h"
 #include "audio/codec/Source.h"
 #include "audio/codec/StreamDecoder.h"
-#include "audio/mpeg/FileReader.h"
 #include "audio/mpeg/FrameScanner.h"
 #include "audio/mpeg/InfoTag.h"
+#include "platform/file/WindowReader.h"
 
 namespace audio::codec {
 
@@ -49,7 +49,7 @@ class MpegSource : public Decoder::Source {
     void restartBefore(std::size_t number);
 
     std::filesystem::path file_;
-    mpeg::FileReader reader_;
+    platform::file::WindowReader reader_;
     mpeg::FrameScanner scanner_;
     mpeg::FrameHeader header_;
     std::optional<mpeg::InfoTag> info_;

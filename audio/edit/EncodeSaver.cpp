@@ -45,7 +45,7 @@ SaveReport encodeTo(const std::filesystem::path& path, const SaveJob& job, Work&
 }
 
 // ASF keeps its metadata in front: the sound is encoded beside, in the folder for scratch files.
-SaveReport encodeAsf(const SaveJob& job, platform::AtomicFile& file, Work& work) {
+SaveReport encodeAsf(const SaveJob& job, platform::file::Replacement& file, Work& work) {
     const ScratchFile scratch(job.scratchFolder);
     const SaveReport report = encodeTo(scratch.path(), job, work);
     tags::writeWithAsfMetadata(scratch.path(), job.source->path(), job.levelFields(), file);
@@ -54,7 +54,7 @@ SaveReport encodeAsf(const SaveJob& job, platform::AtomicFile& file, Work& work)
 
 }  // namespace
 
-SaveReport writeEncoded(const SaveJob& job, platform::AtomicFile& file, Work& work) {
+SaveReport writeEncoded(const SaveJob& job, platform::file::Replacement& file, Work& work) {
     if (job.keepTags && sameContainer(job, Container::Asf)) return encodeAsf(job, file, work);
     const SaveReport report = encodeTo(file.temporary(), job, work);
     const bool carried =

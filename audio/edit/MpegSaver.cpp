@@ -19,7 +19,7 @@ namespace {
 /// The part of the temporary that the MPEG stream fills.
 class FileSink : public mpeg::StreamSink {
   public:
-    explicit FileSink(platform::AtomicFile& file) : file_(file), start_(file.position()) {}
+    explicit FileSink(platform::file::Replacement& file) : file_(file), start_(file.position()) {}
 
     void write(std::span<const std::uint8_t> bytes) override { file_.write(std::as_bytes(bytes)); }
     void rewrite(std::int64_t offset, std::span<const std::uint8_t> bytes) override {
@@ -31,7 +31,7 @@ class FileSink : public mpeg::StreamSink {
     void beginAnew() { file_.truncate(start_); }
 
   private:
-    platform::AtomicFile& file_;
+    platform::file::Replacement& file_;
     std::int64_t start_;
 };
 
@@ -105,7 +105,7 @@ mpeg::EncoderSettings settingsFor(const codec::Format& format) {
 /// One save of MPEG audio.
 class MpegSave {
   public:
-    MpegSave(const SaveJob& job, platform::AtomicFile& file, Work& work)
+    MpegSave(const SaveJob& job, platform::file::Replacement& file, Work& work)
         : job_(job), work_(work), sink_(file) {
         options_.levelChanged = job.levelChanged();
         options_.progress = [this](double part) { report(part); };
@@ -189,7 +189,7 @@ class MpegSave {
 
 }  // namespace
 
-SaveReport writeMpeg(const SaveJob& job, platform::AtomicFile& file, Work& work) {
+SaveReport writeMpeg(const SaveJob& job, platform::file::Replacement& file, Work& work) {
     if (job.source->format().container != codec::Container::Mpeg) {
         const SaveReport report = MpegSave(job, file, work).encode(settingsFor(job.output));
         if (job.keepTags)

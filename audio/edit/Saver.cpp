@@ -96,7 +96,7 @@ void verifySound(const std::filesystem::path& written, const SaveJob& job,
 
 // Frames that were joined are looked at right away: where the result is not what it should be, all
 // of the sound is encoded instead.
-SaveReport writeVerifiedMpeg(const SaveJob& job, platform::AtomicFile& file, Work& work) {
+SaveReport writeVerifiedMpeg(const SaveJob& job, platform::file::Replacement& file, Work& work) {
     SaveReport report = writeMpeg(job, file, work);
     if (report.method != SaveMethod::Spliced) return report;
     try {
@@ -114,7 +114,7 @@ SaveReport writeVerifiedMpeg(const SaveJob& job, platform::AtomicFile& file, Wor
     }
 }
 
-SaveReport write(const SaveJob& job, platform::AtomicFile& file, Work& work) {
+SaveReport write(const SaveJob& job, platform::file::Replacement& file, Work& work) {
     requireCarriable(job);
     requireEncoder(job);
     job.source->requireUnchanged();
@@ -138,7 +138,7 @@ SaveReport write(const SaveJob& job, platform::AtomicFile& file, Work& work) {
 
 }  // namespace
 
-SaveReport writeCopy(const SaveJob& job, platform::AtomicFile& file, Work& work) {
+SaveReport writeCopy(const SaveJob& job, platform::file::Replacement& file, Work& work) {
     const std::filesystem::path& source = job.source->path();
     const auto size = static_cast<std::int64_t>(std::filesystem::file_size(source));
     constexpr std::int64_t stretch = std::int64_t{16} << 20;
@@ -155,7 +155,7 @@ SaveReport writeCopy(const SaveJob& job, platform::AtomicFile& file, Work& work)
 }
 
 SaveReport save(const SaveJob& job, const std::filesystem::path& target, Work& work) {
-    platform::AtomicFile file(target);
+    platform::file::Replacement file(target);
     try {
         SaveReport report = write(job, file, work);
         std::error_code ignored;

@@ -11,7 +11,7 @@
 #include "audio/edit/SourceMaterial.h"
 #include "audio/edit/Work.h"
 #include "audio/tags/LevelFields.h"
-#include "platform/AtomicFile.h"
+#include "platform/file/Replacement.h"
 
 namespace audio::edit {
 

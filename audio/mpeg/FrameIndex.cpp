@@ -10,15 +10,15 @@
 namespace audio::mpeg {
 
 FrameIndex::FrameIndex(const std::filesystem::path& file) {
-    FileReader reader(file);
+    platform::file::WindowReader reader(file);
     build(reader);
 }
 
-FrameIndex::FrameIndex(FileReader& reader) {
+FrameIndex::FrameIndex(platform::file::WindowReader& reader) {
     build(reader);
 }
 
-void FrameIndex::build(FileReader& reader) {
+void FrameIndex::build(platform::file::WindowReader& reader) {
     FrameScanner scanner(reader);
     bool first = true;
     while (const auto frame = scanner.next()) {

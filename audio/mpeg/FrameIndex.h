@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "audio/mpeg/FileReader.h"
 #include "audio/mpeg/FrameHeader.h"
 #include "audio/mpeg/InfoTag.h"
+#include "platform/file/WindowReader.h"
 
 namespace audio::mpeg {
 
@@ -35,7 +35,7 @@ class FrameIndex {
     /// Reads the whole file's headers. Throws platform::Error naming file and reason where it
     /// cannot be read or holds no MPEG audio frame.
     explicit FrameIndex(const std::filesystem::path& file);
-    explicit FrameIndex(FileReader& reader);
+    explicit FrameIndex(platform::file::WindowReader& reader);
 
     /// The header of the first frame of sound.
     const FrameHeader& header() const { return header_; }
@@ -78,7 +78,7 @@ class FrameIndex {
     std::int64_t averageBitRate() const;
 
   private:
-    void build(FileReader& reader);
+    void build(platform::file::WindowReader& reader);
     void addFrame(std::int64_t offset, int size, const FrameHeader& header);
     void findLength();
 

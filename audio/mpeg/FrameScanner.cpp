@@ -17,7 +17,8 @@ int slotSize(const FrameHeader& header) {
 
 }  // namespace
 
-FrameScanner::FrameScanner(FileReader& reader) : reader_(reader), tags_(findTags(reader)) {
+FrameScanner::FrameScanner(platform::file::WindowReader& reader)
+    : reader_(reader), tags_(findTags(reader)) {
     position_ = tags_.leadingEnd;
 }
 

@@ -5,9 +5,9 @@
 #include <optional>
 #include <span>
 
-#include "audio/mpeg/FileReader.h"
 #include "audio/mpeg/FrameHeader.h"
 #include "audio/mpeg/TagRanges.h"
+#include "platform/file/WindowReader.h"
 
 namespace audio::mpeg {
 
@@ -26,7 +26,7 @@ class FrameScanner {
   public:
     /// Finds the tags and the first frame. The reader must outlive the scanner. Throws
     /// platform::Error where the file cannot be read; a file without any frame is no error.
-    explicit FrameScanner(FileReader& reader);
+    explicit FrameScanner(platform::file::WindowReader& reader);
 
     /// The next whole frame; nothing at the end. Where sync is lost, the search goes on to the next
     /// place where frames follow one another. Throws platform::Error where the file cannot be read.
@@ -50,7 +50,7 @@ class FrameScanner {
     std::optional<std::int64_t> search(std::int64_t from);
     ScannedFrame take(const FrameHeader& header, std::int64_t offset, std::int64_t junk);
 
-    FileReader& reader_;
+    platform::file::WindowReader& reader_;
     TagRanges tags_;
     std::int64_t position_ = 0;
     std::optional<FrameHeader> last_;

@@ -7,9 +7,9 @@
 #include <span>
 #include <vector>
 
-#include "audio/mpeg/FileReader.h"
 #include "audio/mpeg/FrameIndex.h"
 #include "audio/mpeg/SideInfo.h"
+#include "platform/file/WindowReader.h"
 
 namespace audio::mpeg {
 
@@ -30,7 +30,7 @@ class SourceFrames {
 
   private:
     const FrameIndex& index_;
-    FileReader reader_;
+    platform::file::WindowReader reader_;
 };
 
 }  // namespace audio::mpeg

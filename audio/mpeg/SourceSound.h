@@ -6,9 +6,9 @@
 #include <memory>
 #include <vector>
 
-#include "audio/mpeg/FileReader.h"
 #include "audio/mpeg/FrameDecoder.h"
 #include "audio/mpeg/FrameIndex.h"
+#include "platform/file/WindowReader.h"
 
 namespace audio::mpeg {
 
@@ -27,7 +27,7 @@ class SourceSound {
     std::int64_t preRoll(std::int64_t frame);
 
     const FrameIndex& index_;
-    FileReader reader_;
+    platform::file::WindowReader reader_;
     FrameDecoder decoder_;
     std::vector<float> decoded_;  // of the frame decodedFrame_
     std::int64_t decodedFrame_ = -1;

@@ -29,7 +29,7 @@ std::int64_t syncsafe(std::span<const std::uint8_t> bytes) {
 }
 
 // Bytes of the tag that begins at `offset`; 0 where none does.
-std::int64_t leadingTagSize(FileReader& reader, std::int64_t offset) {
+std::int64_t leadingTagSize(platform::file::WindowReader& reader, std::int64_t offset) {
     const auto bytes = reader.at(offset, 32);
     if (bytes.size() >= 10 && startsWith(bytes, "ID3") && bytes[3] != 0xFF && bytes[4] != 0xFF) {
         const std::int64_t size = syncsafe(bytes.subspan(6));
@@ -43,7 +43,7 @@ std::int64_t leadingTagSize(FileReader& reader, std::int64_t offset) {
 }
 
 // APEv2 by its footer, which ends at `end`.
-std::int64_t apeSize(FileReader& reader, std::int64_t end) {
+std::int64_t apeSize(platform::file::WindowReader& reader, std::int64_t end) {
     const auto footer = reader.at(end - 32, 32);
     if (footer.size() < 32 || !startsWith(footer, "APETAGEX")) return 0;
     const bool hasHeader = (footer[23] & 0x80) != 0;
@@ -51,7 +51,7 @@ std::int64_t apeSize(FileReader& reader, std::int64_t end) {
 }
 
 // Lyrics3 version 2 (six digits of size before its end mark) or 1 (searched for, at most 5100).
-std::int64_t lyricsSize(FileReader& reader, std::int64_t end) {
+std::int64_t lyricsSize(platform::file::WindowReader& reader, std::int64_t end) {
     const auto mark = reader.at(end - 15, 15);
     if (mark.size() == 15 && startsWith(mark.subspan(6), "LYRICS200")) {
         std::int64_t size = 0;
@@ -75,7 +75,7 @@ std::int64_t lyricsSize(FileReader& reader, std::int64_t end) {
 }
 
 // Bytes of the tag that ends at `end`; 0 where none does.
-std::int64_t trailingTagSize(FileReader& reader, std::int64_t end) {
+std::int64_t trailingTagSize(platform::file::WindowReader& reader, std::int64_t end) {
     if (startsWith(reader.at(end - 128, 128), "TAG")) {
         return startsWith(reader.at(end - 128 - 227, 4), "TAG+") ? 128 + 227 : 128;
     }
@@ -91,7 +91,7 @@ std::int64_t trailingTagSize(FileReader& reader, std::int64_t end) {
 
 }  // namespace
 
-TagRanges findTags(FileReader& reader) {
+TagRanges findTags(platform::file::WindowReader& reader) {
     TagRanges tags{0, reader.size()};
     while (const std::int64_t size = leadingTagSize(reader, tags.leadingEnd)) {
         if (tags.leadingEnd + size > reader.size()) {

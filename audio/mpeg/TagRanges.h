@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "audio/mpeg/FileReader.h"
+#include "platform/file/WindowReader.h"
 
 namespace audio::mpeg {
 
@@ -17,6 +17,6 @@ struct TagRanges {
 /// extension, APEv2, Lyrics3 and appended ID3v2 tags at the end. A tag that claims to be longer
 /// than the file is not believed: it ends at its header. Junk is not looked for. Throws
 /// platform::Error where the file cannot be read.
-TagRanges findTags(FileReader& reader);
+TagRanges findTags(platform::file::WindowReader& reader);
 
 }  // namespace audio::mpeg

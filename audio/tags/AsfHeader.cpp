@@ -8,10 +8,10 @@
 #include <span>
 #include <string>
 
-#include "audio/mpeg/FileReader.h"
 #include "audio/tags/AsfAttributes.h"
 #include "platform/Error.h"
 #include "platform/Paths.h"
+#include "platform/file/WindowReader.h"
 
 // Object layouts and identifiers: Advanced Systems Format Specification, revision 01.20.03.
 namespace audio::tags {
@@ -104,7 +104,7 @@ struct Header {
     std::int64_t fileSize = 0;
 
     explicit Header(const std::filesystem::path& file) {
-        mpeg::FileReader reader(file);
+        platform::file::WindowReader reader(file);
         fileSize = reader.size();
         const auto start = reader.at(0, fileHeader);
         if (start.size() < fileHeader ||
@@ -185,7 +185,7 @@ void requireUnprotected(const Header& header, const std::filesystem::path& file)
 }  // namespace
 
 void writeWithAsfMetadata(const std::filesystem::path& encoded, const std::filesystem::path& source,
-                          LevelFields levels, platform::AtomicFile& file) {
+                          LevelFields levels, platform::file::Replacement& file) {
     const Header sound(encoded);
     const Header metadata(source);
     requireUnprotected(metadata, source);

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "audio/tags/LevelFields.h"
-#include "platform/AtomicFile.h"
+#include "platform/file/Replacement.h"
 
 namespace audio::tags {
 
@@ -16,6 +16,6 @@ namespace audio::tags {
 /// describes the stream is the encoded file's. Statements about the level are taken out of them
 /// where asked. Throws platform::Error where either file is no ASF file.
 void writeWithAsfMetadata(const std::filesystem::path& encoded, const std::filesystem::path& source,
-                          LevelFields levels, platform::AtomicFile& file);
+                          LevelFields levels, platform::file::Replacement& file);
 
 }  // namespace audio::tags

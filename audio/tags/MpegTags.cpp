@@ -3,9 +3,9 @@
 
 #include <span>
 
-#include "audio/mpeg/FileReader.h"
 #include "audio/tags/ApeLevel.h"
 #include "audio/tags/Id3v2Level.h"
+#include "platform/file/WindowReader.h"
 
 namespace audio::tags {
 namespace {
@@ -59,7 +59,7 @@ MpegTags::MpegTags(const std::filesystem::path& file, const mpeg::FrameIndex& in
       leading_(piecesOf(index.leading(), levels)),
       trailing_(piecesOf(index.trailing(), levels)) {}
 
-void MpegTags::write(const std::vector<Piece>& pieces, platform::AtomicFile& file) const {
+void MpegTags::write(const std::vector<Piece>& pieces, platform::file::Replacement& file) const {
     for (const Piece& piece : pieces) {
         if (piece.replacement.empty())
             file.copyFrom(file_, piece.range.offset, piece.range.size);
@@ -72,7 +72,7 @@ void MpegTags::write(const std::vector<Piece>& pieces, platform::AtomicFile& fil
 std::vector<MpegTags::Piece> MpegTags::piecesOf(mpeg::ByteRange range, LevelFields levels) const {
     if (range.size <= 0) return {};
     if (levels == LevelFields::Keep || range.size > largestEdited) return {{range, {}}};
-    mpeg::FileReader reader(file_);
+    platform::file::WindowReader reader(file_);
     const auto read = std::as_bytes(reader.at(range.offset, static_cast<std::size_t>(range.size)));
     return {{range, withoutLevels({read.begin(), read.end()})}};
 }

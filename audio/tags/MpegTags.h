@@ -8,7 +8,7 @@
 
 #include "audio/mpeg/FrameIndex.h"
 #include "audio/tags/LevelFields.h"
-#include "platform/AtomicFile.h"
+#include "platform/file/Replacement.h"
 
 namespace audio::tags {
 
@@ -23,8 +23,8 @@ class MpegTags {
     MpegTags(const std::filesystem::path& file, const mpeg::FrameIndex& index, LevelFields levels);
 
     bool empty() const { return leading_.empty() && trailing_.empty(); }
-    void writeLeading(platform::AtomicFile& file) const { write(leading_, file); }
-    void writeTrailing(platform::AtomicFile& file) const { write(trailing_, file); }
+    void writeLeading(platform::file::Replacement& file) const { write(leading_, file); }
+    void writeTrailing(platform::file::Replacement& file) const { write(trailing_, file); }
 
   private:
     /// A stretch of the file, or what stands in its place.
@@ -32,7 +32,7 @@ class MpegTags {
         mpeg::ByteRange range;
         std::vector<std::byte> replacement;  ///< empty: the range as it is
     };
-    void write(const std::vector<Piece>& pieces, platform::AtomicFile& file) const;
+    void write(const std::vector<Piece>& pieces, platform::file::Replacement& file) const;
     std::vector<Piece> piecesOf(mpeg::ByteRange range, LevelFields levels) const;
 
     std::filesystem::path file_;

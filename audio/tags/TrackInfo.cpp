@@ -51,7 +51,7 @@ bool isNamedMpeg(const std::filesystem::path& path) {
 
 /// TagLib is asked for the title alone: looking for frames, it takes minutes over a file of zeros.
 TrackInfo mpegInfo(const std::filesystem::path& path) {
-    mpeg::FileReader reader(path);
+    platform::file::WindowReader reader(path);
     mpeg::FrameScanner scanner(reader);
     TrackInfo info;
     info.durationMs = mpegDuration(scanner);

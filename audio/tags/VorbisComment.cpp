@@ -8,8 +8,8 @@
 #include <span>
 #include <string>
 
-#include "audio/mpeg/FileReader.h"
 #include "audio/tags/LevelNames.h"
+#include "platform/file/WindowReader.h"
 
 namespace audio::tags {
 namespace {
@@ -67,7 +67,7 @@ class PacketFinder {
         return Packet(lacing.begin(), lacing.end());
     }
 
-    mpeg::FileReader reader_;
+    platform::file::WindowReader reader_;
     std::int64_t position_ = 0;
     std::int64_t body_ = 0;
     std::uint32_t serial_ = 0;

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "audio/wave/Layout.h"
-#include "platform/FileHandle.h"
+#include "platform/file/File.h"
 
 namespace audio::wave {
 
@@ -72,8 +72,8 @@ class Writer {
     std::filesystem::path file_;
     Plan plan_;
     std::optional<Layout> model_;
-    platform::FileHandle modelFile_;
-    platform::FileHandle output_;
+    platform::file::File modelFile_;
+    platform::file::File output_;
     std::int64_t at_ = 0;
     std::int64_t written_ = 0;
     std::int64_t sizesBody_ = -1;  ///< where the ds64 (or reserved JUNK) body lies

@@ -4,7 +4,7 @@
 #include <gmock/gmock.h>
 
 #include "platform/Paths.h"
-#include "tests/platform/FileTools.h"
+#include "tests/platform/file/FileTools.h"
 #include "tests/support/Fixtures.h"
 #include "tests/support/TempFolder.h"
 

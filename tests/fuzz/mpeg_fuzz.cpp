@@ -55,7 +55,7 @@ void checkIndex(const FrameIndex& index, std::int64_t fileSize) {
     require(index.trailing().end() == fileSize, "every byte accounted for");
     require(index.gaplessStart() + index.gaplessLength() <= index.rawLength(), "sound in frames");
     require(index.gaplessLength() >= 0, "a length");
-    FileReader reader(scratch(".mp3"));
+    platform::file::WindowReader reader(scratch(".mp3"));
     FrameScanner scanner(reader);
     if (index.info()) require(scanner.next().has_value(), "the info frame again");
     std::int64_t end = index.leading().size;

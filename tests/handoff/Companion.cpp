@@ -4,7 +4,7 @@
 #include <QTest>
 
 #include "platform/Paths.h"
-#include "tests/platform/FileTools.h"
+#include "tests/platform/file/FileTools.h"
 
 namespace fs = std::filesystem;
 

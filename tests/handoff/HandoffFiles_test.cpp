@@ -6,7 +6,7 @@
 #include "handoff/CopyFiles.h"
 #include "handoff/LineFile.h"
 #include "platform/Paths.h"
-#include "tests/platform/FileTools.h"
+#include "tests/platform/file/FileTools.h"
 #include "tests/support/TempFolder.h"
 
 using namespace Qt::Literals::StringLiterals;

@@ -13,7 +13,7 @@
 #include "platform/Paths.h"
 #include "tests/handoff/Companion.h"
 #include "tests/handoff/FakeHost.h"
-#include "tests/platform/FileTools.h"
+#include "tests/platform/file/FileTools.h"
 
 namespace fs = std::filesystem;
 using namespace Qt::Literals::StringLiterals;

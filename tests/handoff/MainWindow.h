@@ -7,7 +7,7 @@
 #include "app/frmMain.h"
 #include "platform/Paths.h"
 #include "player/engine/PlayerEngine.h"
-#include "tests/platform/FileTools.h"
+#include "tests/platform/file/FileTools.h"
 #include "tests/support/Answers.h"
 #include "tests/support/Gui.h"
 #include "tests/support/TempFolder.h"

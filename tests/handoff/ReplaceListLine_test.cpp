@@ -3,7 +3,7 @@
 
 #include <gmock/gmock.h>
 
-#include "tests/platform/FileTools.h"
+#include "tests/platform/file/FileTools.h"
 
 using namespace Qt::Literals::StringLiterals;
 using handoff::replaceListLine;

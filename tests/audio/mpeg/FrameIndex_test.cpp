@@ -255,7 +255,7 @@ TEST_F(FrameIndexTest, WhatHoldsNoSoundIsRefusedByName) {
 TEST_F(FrameIndexTest, ScannerReadsNoFurtherThanAsked) {
     const auto path = make("plain.mp3", {u"-b"_s, u"128"_s});
     const FrameIndex index(path);
-    audio::mpeg::FileReader reader(path);
+    platform::file::WindowReader reader(path);
     audio::mpeg::FrameScanner scanner(reader);
     ASSERT_TRUE(scanner.next());
     for (std::int64_t i = 0; i < index.frameCount(); ++i) {

@@ -39,7 +39,7 @@ TEST(AsfHeader, MetadataOfOneAndSoundOfTheOther) {
     const auto source = support::scratchCopy("tone.wma", folder.path());
     support::python(tagIt, {source});
     for (const LevelFields levels : {LevelFields::Keep, LevelFields::Drop}) {
-        platform::AtomicFile file(folder / "out.wma");
+        platform::file::Replacement file(folder / "out.wma");
         writeWithAsfMetadata(support::fixture("music.wma"), source, levels, file);
         file.commit();
         QByteArray expected = support::python(showIt, {source});
@@ -59,7 +59,7 @@ TEST(AsfHeader, TheStatedFileSizeIsTheFileSize) {
     const support::TempFolder folder;
     const auto source = support::scratchCopy("tone.wma", folder.path());
     support::python(tagIt, {source});
-    platform::AtomicFile file(folder / "out.wma");
+    platform::file::Replacement file(folder / "out.wma");
     writeWithAsfMetadata(support::fixture("music.wma"), source, LevelFields::Keep, file);
     file.commit();
     const support::Outcome shown =
@@ -71,7 +71,7 @@ TEST(AsfHeader, TheStatedFileSizeIsTheFileSize) {
 
 TEST(AsfHeader, AFileThatIsNoAsfIsRefused) {
     const support::TempFolder folder;
-    platform::AtomicFile file(folder / "out.wma");
+    platform::file::Replacement file(folder / "out.wma");
     EXPECT_THROW(writeWithAsfMetadata(support::fixture("tone.wma"), support::fixture("tone.wav"),
                                       LevelFields::Keep, file),
                  platform::Error);

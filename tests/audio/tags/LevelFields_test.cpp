@@ -202,7 +202,7 @@ TEST(MpegTags, EverythingAroundTheSoundIsCarried) {
 
     const auto carried = [&](LevelFields levels) {
         const MpegTags around(folder / "a.mp3", levels);
-        platform::AtomicFile file(folder / "b");
+        platform::file::Replacement file(folder / "b");
         around.writeLeading(file);
         file.write("|", 1);
         around.writeTrailing(file);

@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/CopyFile.h"
+#include "platform/file/Copy.h"
 
 #include <random>
 #include <string>
 
 #include <QtGlobal>
 
-#include "platform/CopyBytes.h"
 #include "platform/Paths.h"
-#include "platform/RenameFile.h"
 #include "platform/SystemError.h"
+#include "platform/file/CopyBytes.h"
+#include "platform/file/Rename.h"
 
 #ifdef Q_OS_WIN
 #include <windows.h>
@@ -19,7 +19,7 @@
 
 namespace fs = std::filesystem;
 
-namespace platform {
+namespace platform::file {
 namespace {
 
 /// A name in the target's folder that is removed again unless the file under it was taken over.
@@ -38,7 +38,7 @@ class Temporary {
     std::error_code rename(const fs::path& target, Existing existing) {
         std::error_code reason;
         if (existing == Existing::Refuse)
-            reason = tryRenameFile(path_, target);
+            reason = tryRename(path_, target);
         else
             fs::rename(path_, target, reason);
         taken_ = !reason;
@@ -82,8 +82,8 @@ void check(const std::string& what, const fs::path& source, const fs::path& targ
 
 }  // namespace
 
-void copyFile(const fs::path& source, const fs::path& target, Existing existing,
-              const CopyProgress& progress) {
+void copy(const fs::path& source, const fs::path& target, Existing existing,
+          const CopyProgress& progress) {
     const std::string what =
         "“" + toUtf8(source) + "” could not be copied to “" + toUtf8(target) + "”";
     check(what, source, target, existing);
@@ -94,4 +94,4 @@ void copyFile(const fs::path& source, const fs::path& target, Existing existing,
         throw systemError(what, reason);
 }
 
-}  // namespace platform
+}  // namespace platform::file

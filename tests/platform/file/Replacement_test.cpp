@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/AtomicFile.h"
+#include "platform/file/Replacement.h"
 
 #include <fcntl.h>
 #include <fstream>
@@ -31,14 +31,14 @@ int filesIn(const fs::path& folder) {
 }
 
 void save(const fs::path& path, const std::string& text) {
-    platform::AtomicFile file(path);
+    platform::file::Replacement file(path);
     file.write(text.data(), text.size());
     file.commit();
 }
 
 }  // namespace
 
-TEST(AtomicFile, CreatesAndReplaces) {
+TEST(Replacement, CreatesAndReplaces) {
     support::TempFolder folder;
     save(folder / "a.txt", "one");
     EXPECT_EQ(get(folder / "a.txt"), "one");
@@ -47,11 +47,11 @@ TEST(AtomicFile, CreatesAndReplaces) {
     EXPECT_EQ(filesIn(folder.path()), 1);
 }
 
-TEST(AtomicFile, WithoutCommitNothingChanges) {
+TEST(Replacement, WithoutCommitNothingChanges) {
     support::TempFolder folder;
     put(folder / "a.txt", "old");
     {
-        platform::AtomicFile file(folder / "a.txt");
+        platform::file::Replacement file(folder / "a.txt");
         file.write("new", 3);
         EXPECT_EQ(file.temporary().parent_path(), fs::canonical(folder.path()));
         EXPECT_EQ(file.temporary().extension(), ".txt");
@@ -60,11 +60,11 @@ TEST(AtomicFile, WithoutCommitNothingChanges) {
     EXPECT_EQ(filesIn(folder.path()), 1);
 }
 
-TEST(AtomicFile, ARefusedResultLeavesTheOldFile) {
+TEST(Replacement, ARefusedResultLeavesTheOldFile) {
     support::TempFolder folder;
     put(folder / "a.txt", "old");
     {
-        platform::AtomicFile file(folder / "a.txt");
+        platform::file::Replacement file(folder / "a.txt");
         file.write("new", 3);
         EXPECT_THROW(file.commit([](const fs::path& temporary) {
             EXPECT_EQ(get(temporary), "new");
@@ -76,7 +76,7 @@ TEST(AtomicFile, ARefusedResultLeavesTheOldFile) {
     EXPECT_EQ(filesIn(folder.path()), 1);
 }
 
-TEST(AtomicFile, TheFileBehindLinksIsReplaced) {
+TEST(Replacement, TheFileBehindLinksIsReplaced) {
     support::TempFolder folder;
     fs::create_directory(folder / "real");
     put(folder / "real/a.txt", "old");
@@ -89,7 +89,7 @@ TEST(AtomicFile, TheFileBehindLinksIsReplaced) {
     EXPECT_EQ(get(folder / "real/a.txt"), "new");
 }
 
-TEST(AtomicFile, ALinkToNothingIsFilled) {
+TEST(Replacement, ALinkToNothingIsFilled) {
     support::TempFolder folder;
     fs::create_symlink("later.txt", folder / "link");
     save(folder / "link", "new");
@@ -97,14 +97,14 @@ TEST(AtomicFile, ALinkToNothingIsFilled) {
     EXPECT_EQ(get(folder / "later.txt"), "new");
 }
 
-TEST(AtomicFile, LinksInACircleAreAnError) {
+TEST(Replacement, LinksInACircleAreAnError) {
     support::TempFolder folder;
     fs::create_symlink("b", folder / "a");
     fs::create_symlink("a", folder / "b");
-    EXPECT_THROW(platform::AtomicFile(folder / "a"), platform::Error);
+    EXPECT_THROW(platform::file::Replacement(folder / "a"), platform::Error);
 }
 
-TEST(AtomicFile, KeepsModeOwnerAndAttributes) {
+TEST(Replacement, KeepsModeOwnerAndAttributes) {
     support::TempFolder folder;
     const fs::path path = folder / "a.txt";
     put(path, "old");
@@ -127,17 +127,17 @@ TEST(AtomicFile, KeepsModeOwnerAndAttributes) {
     }
 }
 
-TEST(AtomicFile, FoldersAndMissingFoldersAreErrors) {
+TEST(Replacement, FoldersAndMissingFoldersAreErrors) {
     support::TempFolder folder;
     fs::create_directory(folder / "folder");
-    EXPECT_THROW(platform::AtomicFile(folder / "folder"), platform::Error);
-    EXPECT_THROW(platform::AtomicFile(folder / "nowhere/a.txt"), platform::Error);
+    EXPECT_THROW(platform::file::Replacement(folder / "folder"), platform::Error);
+    EXPECT_THROW(platform::file::Replacement(folder / "nowhere/a.txt"), platform::Error);
 }
 
-TEST(AtomicFile, CopiesStretchesOfOtherFiles) {
+TEST(Replacement, CopiesStretchesOfOtherFiles) {
     support::TempFolder folder;
     put(folder / "source", "0123456789");
-    platform::AtomicFile file(folder / "a.txt");
+    platform::file::Replacement file(folder / "a.txt");
     file.write("<", 1);
     file.copyFrom(folder / "source", 2, 5);
     file.write(">", 1);
@@ -149,7 +149,7 @@ TEST(AtomicFile, CopiesStretchesOfOtherFiles) {
     EXPECT_EQ(get(folder / "a.txt").substr(0, 7), "[23456>");
 }
 
-TEST(AtomicFile, RemovesWhatAKilledProcessLeft) {
+TEST(Replacement, RemovesWhatAKilledProcessLeft) {
     support::TempFolder folder;
     put(folder / ".tracksmith-abcdefgh0123.mp3", "half");
     put(folder / ".tracksmith-abcdefghijkl", "half");
@@ -158,7 +158,7 @@ TEST(AtomicFile, RemovesWhatAKilledProcessLeft) {
     EXPECT_EQ(get(folder / "a.txt"), "new");
 }
 
-TEST(AtomicFile, RemovesNothingElse) {
+TEST(Replacement, RemovesNothingElse) {
     support::TempFolder folder;
     support::TempFolder elsewhere;
     put(elsewhere / "kept", "kept");
@@ -181,7 +181,7 @@ TEST(AtomicFile, RemovesNothingElse) {
     EXPECT_EQ(get(elsewhere / "kept"), "kept");
 }
 
-TEST(AtomicFile, NamesThatNeedCare) {
+TEST(Replacement, NamesThatNeedCare) {
     support::TempFolder folder;
     const std::string name = "it's \"ünïcode\" – 音楽 %20 .mp3";
     save(folder / name, "new");

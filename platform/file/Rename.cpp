@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/RenameFile.h"
+#include "platform/file/Rename.h"
 
 #include <QtGlobal>
 
@@ -16,17 +16,17 @@
 
 namespace fs = std::filesystem;
 
-namespace platform {
+namespace platform::file {
 
-void renameFile(const fs::path& from, const fs::path& to) {
-    if (const std::error_code reason = tryRenameFile(from, to))
+void rename(const fs::path& from, const fs::path& to) {
+    if (const std::error_code reason = tryRename(from, to))
         throw systemError("“" + toUtf8(from) + "” could not be renamed to “" + toUtf8(to) + "”",
                           reason);
 }
 
 #ifdef Q_OS_WIN
 
-std::error_code tryRenameFile(const fs::path& from, const fs::path& to) {
+std::error_code tryRename(const fs::path& from, const fs::path& to) {
     if (from == to) return std::make_error_code(std::errc::file_exists);
     if (MoveFileExW(from.c_str(), to.c_str(), 0)) return {};
     if (GetLastError() == ERROR_NOT_SAME_DEVICE)
@@ -35,7 +35,7 @@ std::error_code tryRenameFile(const fs::path& from, const fs::path& to) {
 }
 
 std::error_code renameOverReservation(const fs::path& from, const fs::path& to) {
-    return tryRenameFile(from, to);
+    return tryRename(from, to);
 }
 
 #else
@@ -70,7 +70,7 @@ std::error_code renameUnlessTaken(const fs::path& from, const fs::path& to) {
 
 }  // namespace
 
-std::error_code tryRenameFile(const fs::path& from, const fs::path& to) {
+std::error_code tryRename(const fs::path& from, const fs::path& to) {
     const std::error_code reason = renameUnlessTaken(from, to);
     if (reason == std::errc::file_exists && isOwnNameInOtherCase(from, to))
         return plainRename(from, to);
@@ -90,4 +90,4 @@ std::error_code renameOverReservation(const fs::path& from, const fs::path& to) 
 
 #endif
 
-}  // namespace platform
+}  // namespace platform::file

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/RenameFile.h"
+#include "platform/file/Move.h"
 
 #include <fcntl.h>
 #include <unistd.h>
 
 #include <gmock/gmock.h>
 
-#include "platform/MoveFile.h"
-#include "tests/platform/FileTools.h"
+#include "platform/file/Rename.h"
+#include "tests/platform/file/FileTools.h"
 #include "tests/support/TempFolder.h"
 
 namespace fs = std::filesystem;
@@ -17,26 +17,26 @@ using testing::HasSubstr;
 
 namespace {
 
-class RenameFile : public testing::Test {
+class FileMove : public testing::Test {
   protected:
-    RenameFile() { writeFile(folder / "old.mp3", "sound"); }
+    FileMove() { writeFile(folder / "old.mp3", "sound"); }
     support::TempFolder folder;
 };
 
 }  // namespace
 
-TEST_F(RenameFile, GivesTheNewName) {
-    platform::renameFile(folder / "old.mp3", folder / "new.mp3");
+TEST_F(FileMove, GivesTheNewName) {
+    platform::file::rename(folder / "old.mp3", folder / "new.mp3");
     EXPECT_THAT(namesIn(folder.path()), ElementsAre("new.mp3"));
     EXPECT_EQ(readFile(folder / "new.mp3"), "sound");
 }
 
-TEST_F(RenameFile, NeverReplacesAFile) {
+TEST_F(FileMove, NeverReplacesAFile) {
     writeFile(folder / "new.mp3", "other");
     fs::create_symlink(folder / "nowhere", folder / "dangling.mp3");
     fs::create_hard_link(folder / "old.mp3", folder / "OLD.mp3");
     for (const std::string name : {"new.mp3", "dangling.mp3", "OLD.mp3", "old.mp3"}) {
-        EXPECT_THAT(errorOf([&] { platform::renameFile(folder / "old.mp3", folder / name); }),
+        EXPECT_THAT(errorOf([&] { platform::file::rename(folder / "old.mp3", folder / name); }),
                     HasSubstr("File exists"))
             << name;
     }
@@ -46,59 +46,59 @@ TEST_F(RenameFile, NeverReplacesAFile) {
                 ElementsAre("OLD.mp3", "dangling.mp3", "new.mp3", "old.mp3"));
 }
 
-TEST_F(RenameFile, ChangesTheCaseOfLetters) {
-    platform::renameFile(folder / "old.mp3", folder / "Old.mp3");
+TEST_F(FileMove, ChangesTheCaseOfLetters) {
+    platform::file::rename(folder / "old.mp3", folder / "Old.mp3");
     EXPECT_THAT(namesIn(folder.path()), ElementsAre("Old.mp3"));
 }
 
-TEST_F(RenameFile, AnErrorNamesBothFilesAndTheReason) {
+TEST_F(FileMove, AnErrorNamesBothFilesAndTheReason) {
     const std::string error =
-        errorOf([&] { platform::renameFile(folder / "gone.mp3", folder / "new.mp3"); });
+        errorOf([&] { platform::file::rename(folder / "gone.mp3", folder / "new.mp3"); });
     EXPECT_THAT(error, HasSubstr("gone.mp3"));
     EXPECT_THAT(error, HasSubstr("new.mp3"));
     EXPECT_THAT(error, HasSubstr("No such file"));
 }
 
-TEST_F(RenameFile, WorksWhileTheFileIsHeldOpen) {
+TEST_F(FileMove, WorksWhileTheFileIsHeldOpen) {
     const int held = ::open((folder / "old.mp3").c_str(), O_RDONLY);
-    platform::renameFile(folder / "old.mp3", folder / "new.mp3");
+    platform::file::rename(folder / "old.mp3", folder / "new.mp3");
     char byte = 0;
     EXPECT_EQ(::read(held, &byte, 1), 1);
     ::close(held);
     EXPECT_EQ(byte, 's');
 }
 
-TEST_F(RenameFile, ReservationGivesTheNewName) {
-    EXPECT_FALSE(platform::renameOverReservation(folder / "old.mp3", folder / "new.mp3"));
+TEST_F(FileMove, ReservationGivesTheNewName) {
+    EXPECT_FALSE(platform::file::renameOverReservation(folder / "old.mp3", folder / "new.mp3"));
     EXPECT_THAT(namesIn(folder.path()), ElementsAre("new.mp3"));
     EXPECT_EQ(readFile(folder / "new.mp3"), "sound");
 }
 
-TEST_F(RenameFile, ReservationNeverReplacesAFileNorStays) {
+TEST_F(FileMove, ReservationNeverReplacesAFileNorStays) {
     writeFile(folder / "new.mp3", "other");
-    EXPECT_EQ(platform::renameOverReservation(folder / "old.mp3", folder / "new.mp3"),
+    EXPECT_EQ(platform::file::renameOverReservation(folder / "old.mp3", folder / "new.mp3"),
               std::errc::file_exists);
-    EXPECT_TRUE(platform::renameOverReservation(folder / "gone.mp3", folder / "third.mp3"));
+    EXPECT_TRUE(platform::file::renameOverReservation(folder / "gone.mp3", folder / "third.mp3"));
     EXPECT_THAT(namesIn(folder.path()), ElementsAre("new.mp3", "old.mp3"));
     EXPECT_EQ(readFile(folder / "new.mp3"), "other");
 }
 
-TEST_F(RenameFile, DoesNotCrossFileSystemsButMovingDoes) {
+TEST_F(FileMove, DoesNotCrossFileSystemsButMovingDoes) {
     const FolderElsewhere elsewhere(folder.path());
     const fs::path there = elsewhere.path() / "new.mp3";
-    EXPECT_EQ(platform::tryRenameFile(folder / "old.mp3", there), std::errc::cross_device_link);
-    platform::moveFile(folder / "old.mp3", there);
+    EXPECT_EQ(platform::file::tryRename(folder / "old.mp3", there), std::errc::cross_device_link);
+    platform::file::move(folder / "old.mp3", there);
     EXPECT_EQ(readFile(there), "sound");
     EXPECT_THAT(namesIn(folder.path()), ElementsAre());
     EXPECT_THAT(namesIn(elsewhere.path()), ElementsAre("new.mp3"));
 }
 
-TEST_F(RenameFile, MovingNeverReplacesAFileEither) {
+TEST_F(FileMove, MovingNeverReplacesAFileEither) {
     const FolderElsewhere elsewhere(folder.path());
     writeFile(elsewhere.path() / "new.mp3", "other");
     writeFile(folder / "new.mp3", "third");
     for (const fs::path& there : {elsewhere.path() / "new.mp3", folder / "new.mp3"})
-        EXPECT_THAT(errorOf([&] { platform::moveFile(folder / "old.mp3", there); }),
+        EXPECT_THAT(errorOf([&] { platform::file::move(folder / "old.mp3", there); }),
                     HasSubstr("exists"));
     EXPECT_EQ(readFile(folder / "old.mp3"), "sound");
     EXPECT_EQ(readFile(elsewhere.path() / "new.mp3"), "other");

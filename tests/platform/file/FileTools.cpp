@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "tests/platform/FileTools.h"
+#include "tests/platform/file/FileTools.h"
 
 #include <algorithm>
 #include <csignal>

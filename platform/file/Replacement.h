@@ -8,7 +8,7 @@
 #include <memory>
 #include <span>
 
-namespace platform {
+namespace platform::file {
 
 /// Replaces a file whole or not at all. It writes to a temporary in the target's own folder and
 /// renames that over the target; the target itself is never opened for writing. Symbolic links are
@@ -16,14 +16,14 @@ namespace platform {
 /// as it was, and whatever goes wrong, also a missing commit(), takes the temporary away again;
 /// that of a process that was killed is removed by the next one that saves in the folder. Not for
 /// several threads at once. Every error is a platform::Error that names target and step.
-class AtomicFile {
+class Replacement {
   public:
     /// Creates the empty temporary. Throws where the folder does not allow that, where the target
     /// is no ordinary file, or where it is write-protected.
-    explicit AtomicFile(const std::filesystem::path& target);
-    ~AtomicFile();
-    AtomicFile(const AtomicFile&) = delete;
-    AtomicFile& operator=(const AtomicFile&) = delete;
+    explicit Replacement(const std::filesystem::path& target);
+    ~Replacement();
+    Replacement(const Replacement&) = delete;
+    Replacement& operator=(const Replacement&) = delete;
 
     /// The file that will be replaced, links resolved.
     const std::filesystem::path& target() const;
@@ -52,4 +52,4 @@ class AtomicFile {
     std::unique_ptr<Impl> impl_;
 };
 
-}  // namespace platform
+}  // namespace platform::file

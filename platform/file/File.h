@@ -7,16 +7,16 @@
 #include <span>
 #include <system_error>
 
-namespace platform {
+namespace platform::file {
 
 /// One open file of the system, closed with the value. The functions answer whether they succeeded
 /// and fill `error` where they did not; the callers know the sentence that belongs to it.
-class FileHandle {
+class File {
   public:
-    FileHandle() = default;
-    ~FileHandle() { close(); }
-    FileHandle(const FileHandle&) = delete;
-    FileHandle& operator=(const FileHandle&) = delete;
+    File() = default;
+    ~File() { close(); }
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
 
     bool openForReading(const std::filesystem::path& path, std::error_code& error);
     /// Creates the file, with the mode any new file gets; fails where it exists. While it is open,
@@ -32,8 +32,8 @@ class FileHandle {
     bool resize(std::int64_t size, std::error_code& error);
     /// Copies exactly `size` bytes inside the system. Where the file system can share blocks
     /// between files, those that lie alike in both are shared and not copied.
-    bool copyFrom(const FileHandle& source, std::int64_t offset, std::int64_t size,
-                  std::int64_t position, std::error_code& error);
+    bool copyFrom(const File& source, std::int64_t offset, std::int64_t size, std::int64_t position,
+                  std::error_code& error);
 
     /// Owner, mode, access lists and extended attributes of another file. On Windows nothing:
     /// replace() keeps them there.
@@ -59,4 +59,4 @@ bool isWritable(const std::filesystem::path& path);
 /// this user under this one name; whatever else lies there, or cannot be told, stays.
 void removeUnheld(const std::filesystem::path& path);
 
-}  // namespace platform
+}  // namespace platform::file

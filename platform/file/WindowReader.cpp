@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "audio/mpeg/FileReader.h"
+#include "platform/file/WindowReader.h"
 
 #include <algorithm>
 
 #include "platform/Error.h"
 #include "platform/Paths.h"
 
-namespace audio::mpeg {
+namespace platform::file {
 namespace {
 
 // Large enough that system calls cost nothing beside the copy, small enough for the cache.
@@ -19,13 +19,13 @@ platform::Error unreadable(const std::filesystem::path& path, const QFile& file)
 
 }  // namespace
 
-FileReader::FileReader(const std::filesystem::path& file)
+WindowReader::WindowReader(const std::filesystem::path& file)
     : path_(file), file_(platform::toQString(file)) {
     if (!file_.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) throw unreadable(path_, file_);
     size_ = file_.size();
 }
 
-std::span<const std::uint8_t> FileReader::at(std::int64_t offset, std::size_t count) {
+std::span<const std::uint8_t> WindowReader::at(std::int64_t offset, std::size_t count) {
     if (offset < 0 || offset >= size_) return {};
     count = static_cast<std::size_t>(
         std::min<std::int64_t>(static_cast<std::int64_t>(count), size_ - offset));
@@ -36,7 +36,7 @@ std::span<const std::uint8_t> FileReader::at(std::int64_t offset, std::size_t co
     return {window_.data() + (offset - windowStart_), count};
 }
 
-void FileReader::fill(std::int64_t offset, std::size_t count) {
+void WindowReader::fill(std::int64_t offset, std::size_t count) {
     windowSize_ = 0;
     const auto left = static_cast<std::size_t>(size_ - offset);
     const std::size_t wanted = std::min(std::max(count, windowBytes), left);
@@ -58,4 +58,4 @@ void FileReader::fill(std::int64_t offset, std::size_t count) {
     windowSize_ = got;
 }
 
-}  // namespace audio::mpeg
+}  // namespace platform::file

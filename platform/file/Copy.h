@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <functional>
 
-namespace platform {
+namespace platform::file {
 
 /// Told now and then how many bytes of how many have been copied, on the copying thread. False
 /// abandons the copy.
@@ -22,7 +22,7 @@ enum class Existing { Replace, Refuse };
 /// Throws Error, with the target as it was and the temporary gone, where the source cannot be read,
 /// both names mean the same file (also through links), the target may not be written, is full or
 /// cannot hold that name, or progress returned false.
-void copyFile(const std::filesystem::path& source, const std::filesystem::path& target,
-              Existing existing = Existing::Replace, const CopyProgress& progress = {});
+void copy(const std::filesystem::path& source, const std::filesystem::path& target,
+          Existing existing = Existing::Replace, const CopyProgress& progress = {});
 
-}  // namespace platform
+}  // namespace platform::file

@@ -9,17 +9,17 @@
 
 #include <QFile>
 
-namespace audio::mpeg {
+namespace platform::file {
 
 /// Reads a local file at any offset through one window of memory, cheapest when offsets rise. Not a
 /// memory map, so that a file which shrinks meanwhile is an error and not the program's end. One
 /// thread at a time.
-class FileReader {
+class WindowReader {
   public:
     /// Opens; throws platform::Error naming file and reason.
-    explicit FileReader(const std::filesystem::path& file);
-    FileReader(const FileReader&) = delete;
-    FileReader& operator=(const FileReader&) = delete;
+    explicit WindowReader(const std::filesystem::path& file);
+    WindowReader(const WindowReader&) = delete;
+    WindowReader& operator=(const WindowReader&) = delete;
 
     /// Bytes in the file when it was opened.
     std::int64_t size() const { return size_; }
@@ -40,4 +40,4 @@ class FileReader {
     std::size_t windowSize_ = 0;
 };
 
-}  // namespace audio::mpeg
+}  // namespace platform::file

@@ -4,9 +4,9 @@
 #include <filesystem>
 #include <system_error>
 
-#include "platform/CopyFile.h"
+#include "platform/file/Copy.h"
 
-namespace platform {
+namespace platform::file {
 
 /// The copying itself: creates `target`, which must not exist, with the bytes, permissions and
 /// modification time of `source`. Returns the system's reason of a failure
@@ -14,4 +14,4 @@ namespace platform {
 std::error_code copyBytes(const std::filesystem::path& source, const std::filesystem::path& target,
                           const CopyProgress& progress);
 
-}  // namespace platform
+}  // namespace platform::file

@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/AtomicFile.h"
+#include "platform/file/Replacement.h"
 
 #include <string>
 
 #include "platform/Error.h"
-#include "platform/FileHandle.h"
-#include "platform/Leftovers.h"
 #include "platform/Paths.h"
 #include "platform/SystemError.h"
+#include "platform/file/File.h"
+#include "platform/file/Temporary.h"
 
-namespace platform {
+namespace platform::file {
 namespace {
 
 namespace fs = std::filesystem;
@@ -34,7 +34,7 @@ fs::path resolved(const fs::path& target) {
 
 }  // namespace
 
-class AtomicFile::Impl {
+class Replacement::Impl {
   public:
     explicit Impl(const fs::path& path) : target(resolved(path)) {
         std::error_code error;
@@ -75,36 +75,36 @@ class AtomicFile::Impl {
 
     fs::path target;
     fs::path temporary;
-    FileHandle file;
+    File file;
     std::int64_t position = 0;
     bool committed = false;
 };
 
-AtomicFile::AtomicFile(const fs::path& target) : impl_(std::make_unique<Impl>(target)) {}
+Replacement::Replacement(const fs::path& target) : impl_(std::make_unique<Impl>(target)) {}
 
-AtomicFile::~AtomicFile() = default;
+Replacement::~Replacement() = default;
 
-const fs::path& AtomicFile::target() const {
+const fs::path& Replacement::target() const {
     return impl_->target;
 }
 
-const fs::path& AtomicFile::temporary() const {
+const fs::path& Replacement::temporary() const {
     return impl_->temporary;
 }
 
-void AtomicFile::write(std::span<const std::byte> bytes) {
+void Replacement::write(std::span<const std::byte> bytes) {
     impl_->step("writing", [&](std::error_code& error) {
         return impl_->file.writeAt(impl_->position, bytes, error);
     });
     impl_->position += static_cast<std::int64_t>(bytes.size());
 }
 
-void AtomicFile::write(const void* bytes, std::size_t size) {
+void Replacement::write(const void* bytes, std::size_t size) {
     write(std::span(static_cast<const std::byte*>(bytes), size));
 }
 
-void AtomicFile::copyFrom(const fs::path& source, std::int64_t offset, std::int64_t size) {
-    FileHandle from;
+void Replacement::copyFrom(const fs::path& source, std::int64_t offset, std::int64_t size) {
+    File from;
     impl_->step("reading its source",
                 [&](std::error_code& error) { return from.openForReading(source, error); });
     impl_->step("copying from its source", [&](std::error_code& error) {
@@ -113,21 +113,21 @@ void AtomicFile::copyFrom(const fs::path& source, std::int64_t offset, std::int6
     impl_->position += size;
 }
 
-void AtomicFile::seek(std::int64_t position) {
+void Replacement::seek(std::int64_t position) {
     impl_->position = position;
 }
 
-std::int64_t AtomicFile::position() const {
+std::int64_t Replacement::position() const {
     return impl_->position;
 }
 
-void AtomicFile::truncate(std::int64_t size) {
+void Replacement::truncate(std::int64_t size) {
     impl_->step("shortening it",
                 [&](std::error_code& error) { return impl_->file.resize(size, error); });
     impl_->position = size;
 }
 
-void AtomicFile::commit(const std::function<void(const fs::path&)>& verify) {
+void Replacement::commit(const std::function<void(const fs::path&)>& verify) {
     Impl& impl = *impl_;
     if (impl.committed) impl.fail("it was saved already");
     if (verify) verify(impl.temporary);
@@ -144,4 +144,4 @@ void AtomicFile::commit(const std::function<void(const fs::path&)>& verify) {
     impl.committed = true;
 }
 
-}  // namespace platform
+}  // namespace platform::file

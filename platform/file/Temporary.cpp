@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/Leftovers.h"
+#include "platform/file/Temporary.h"
 
 #include <algorithm>
 #include <mutex>
@@ -9,10 +9,10 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/FileHandle.h"
 #include "platform/Paths.h"
+#include "platform/file/File.h"
 
-namespace platform {
+namespace platform::file {
 namespace {
 
 namespace fs = std::filesystem;
@@ -61,4 +61,4 @@ void removeLeftovers(const fs::path& folder) noexcept {
     }
 }
 
-}  // namespace platform
+}  // namespace platform::file

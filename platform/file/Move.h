@@ -3,11 +3,11 @@
 
 #include <filesystem>
 
-namespace platform {
+namespace platform::file {
 
-/// renameFile() that also crosses file systems: there it copies, and removes the old file when the
+/// rename() that also crosses file systems: there it copies, and removes the old file when the
 /// new one is complete. Never replaces a file. Throws Error; the file is then still under its old
 /// name, or, where only the removal failed, under both.
-void moveFile(const std::filesystem::path& from, const std::filesystem::path& to);
+void move(const std::filesystem::path& from, const std::filesystem::path& to);
 
-}  // namespace platform
+}  // namespace platform::file

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/CopyBytes.h"
+#include "platform/file/CopyBytes.h"
 
 #include <QtGlobal>
 
@@ -20,7 +20,7 @@
 #include <linux/fs.h>
 #endif
 
-namespace platform {
+namespace platform::file {
 
 #ifdef Q_OS_WIN
 
@@ -155,4 +155,4 @@ std::error_code copyBytes(const std::filesystem::path& source, const std::filesy
 
 #endif
 
-}  // namespace platform
+}  // namespace platform::file
