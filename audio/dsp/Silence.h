@@ -5,16 +5,10 @@
 #include <functional>
 #include <vector>
 
-#include "audio/dsp/Loudness.h"
+#include "audio/FrameRange.h"
+#include "audio/dsp/WindowGrid.h"
 
 namespace audio::dsp {
-
-/// Frames [start, end).
-struct FrameRange {
-    std::int64_t start = 0;
-    std::int64_t end = 0;
-    bool operator==(const FrameRange&) const = default;
-};
 
 /// LUFS of windows [first, first + count) of a grid.
 using MeasureWindows = std::function<std::vector<float>(std::size_t first, std::size_t count)>;

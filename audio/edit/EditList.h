@@ -5,13 +5,11 @@
 #include <memory>
 #include <vector>
 
+#include "audio/FrameRange.h"
 #include "audio/dsp/Gain.h"
-#include "audio/dsp/Silence.h"
 #include "audio/edit/Material.h"
 
 namespace audio::edit {
-
-using dsp::FrameRange;
 
 constexpr int allChannels = -1;
 

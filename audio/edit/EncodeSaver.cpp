@@ -1,18 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "audio/codec/Encoder.h"
 #include "audio/edit/ScratchFile.h"
 #include "audio/edit/SoundFeed.h"
 #include "audio/edit/SoundWriters.h"
 #include "audio/tags/AsfHeader.h"
 #include "audio/tags/CommonTags.h"
 #include "audio/tags/VorbisComment.h"
+#include "audio/write/Encoder.h"
 #include "platform/Error.h"
 #include "platform/Paths.h"
 
 namespace audio::edit {
 namespace {
-
-using codec::Container;
 
 /// Whether source and output keep their metadata in the same place, so that it is carried over as
 /// it lies there.
@@ -20,26 +18,25 @@ bool sameContainer(const SaveJob& job, Container container) {
     return job.output.container == container && job.source->format().container == container;
 }
 
-codec::EncoderOptions optionsFor(const SaveJob& job) {
-    codec::EncoderOptions options;
+write::EncoderOptions optionsFor(const SaveJob& job) {
+    write::EncoderOptions options;
     options.expectedFrames = job.outputFrames();
     if (sameContainer(job, Container::Wav)) {
         options.waveModel = job.source->path();
         options.copyWaveChunks = job.keepTags;
     }
-    if (sameContainer(job, Container::Ogg) && job.output.codec == codec::Codec::Vorbis &&
-        job.keepTags)
+    if (sameContainer(job, Container::Ogg) && job.output.codec == Codec::Vorbis && job.keepTags)
         options.vorbisComment = tags::readVorbisComment(job.source->path(), job.levelFields());
     return options;
 }
 
 SaveReport encodeTo(const std::filesystem::path& path, const SaveJob& job, Work& work) {
-    codec::Encoder encoder(path, job.output, optionsFor(job));
+    write::Encoder encoder(path, job.output, optionsFor(job));
     SaveReport report;
     report.renderedFrames = SoundFeed(job, encoder, work).run();
     encoder.finish();
-    report.frames = codec::Encoder::storedFrames(job.output, job.outputFrames());
-    if (job.output.codec == codec::Codec::Pcm && job.sameFormat())
+    report.frames = write::Encoder::storedFrames(job.output, job.outputFrames());
+    if (job.output.codec == Codec::Pcm && job.sameFormat())
         report.method = report.renderedFrames == 0 ? SaveMethod::Copied : SaveMethod::Pcm;
     return report;
 }
@@ -57,9 +54,8 @@ SaveReport encodeAsf(const SaveJob& job, platform::file::Replacement& file, Work
 SaveReport writeEncoded(const SaveJob& job, platform::file::Replacement& file, Work& work) {
     if (job.keepTags && sameContainer(job, Container::Asf)) return encodeAsf(job, file, work);
     const SaveReport report = encodeTo(file.temporary(), job, work);
-    const bool carried =
-        sameContainer(job, Container::Wav) ||
-        (sameContainer(job, Container::Ogg) && job.output.codec == codec::Codec::Vorbis);
+    const bool carried = sameContainer(job, Container::Wav) ||
+                         (sameContainer(job, Container::Ogg) && job.output.codec == Codec::Vorbis);
     if (!job.keepTags || carried) return report;
     if (!tags::copyCommonTags(job.source->path(), file.temporary(), job.levelFields()) &&
         job.sameFormat())

@@ -3,14 +3,14 @@
 #include <optional>
 #include <vector>
 
-#include "audio/codec/Encoder.h"
 #include "audio/edit/EditReader.h"
 #include "audio/edit/ReadAhead.h"
 #include "audio/edit/Resampled.h"
 #include "audio/edit/SoundWriters.h"
-#include "audio/mpeg/Splice.h"
+#include "audio/mpeg/splice/Splice.h"
 #include "audio/tags/CommonTags.h"
 #include "audio/tags/MpegTags.h"
+#include "audio/write/Encoder.h"
 #include "platform/Error.h"
 
 namespace audio::edit {
@@ -89,9 +89,9 @@ std::optional<double> onlyGain(const SaveJob& job) {
     return gain.ramp.first * 100.0;
 }
 
-mpeg::EncoderSettings settingsFor(const codec::Format& format) {
+mpeg::EncoderSettings settingsFor(const Format& format) {
     mpeg::EncoderSettings settings;
-    settings.layer = format.codec == codec::Codec::Mp2 ? 2 : 3;
+    settings.layer = format.codec == Codec::Mp2 ? 2 : 3;
     settings.sampleRate = format.sampleRate;
     settings.mode = format.channels == 1 ? mpeg::ChannelMode::Mono : mpeg::ChannelMode::Joint;
     settings.bitRate = static_cast<int>(format.bitRate);
@@ -110,7 +110,7 @@ class MpegSave {
         options_.levelChanged = job.levelChanged();
         options_.progress = [this](double part) { report(part); };
         work_.begin(steps);
-        report_.frames = codec::Encoder::storedFrames(job.output, job.outputFrames());
+        report_.frames = write::Encoder::storedFrames(job.output, job.outputFrames());
         report_.renderedFrames = report_.frames;
     }
 
@@ -190,7 +190,7 @@ class MpegSave {
 }  // namespace
 
 SaveReport writeMpeg(const SaveJob& job, platform::file::Replacement& file, Work& work) {
-    if (job.source->format().container != codec::Container::Mpeg) {
+    if (job.source->format().container != Container::Mpeg) {
         const SaveReport report = MpegSave(job, file, work).encode(settingsFor(job.output));
         if (job.keepTags)
             tags::copyCommonTags(job.source->path(), file.temporary(), job.levelFields());

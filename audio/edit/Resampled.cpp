@@ -46,8 +46,8 @@ void ResampledReader::seek(std::int64_t frame) {
 }
 
 void ResampledReader::begin() {
-    resampler_ = std::make_unique<codec::Resampler>(from_.sampleRate, from_.channels,
-                                                    to_.sampleRate, to_.channels);
+    resampler_ = std::make_unique<ffmpeg::Resampler>(from_.sampleRate, from_.channels,
+                                                     to_.sampleRate, to_.channels);
     ready_.clear();
     used_ = 0;
     position_ = 0;

@@ -4,8 +4,8 @@
 #include <memory>
 #include <vector>
 
-#include "audio/codec/Resampler.h"
 #include "audio/edit/Material.h"
+#include "audio/ffmpeg/Resampler.h"
 
 namespace audio::edit {
 
@@ -28,7 +28,7 @@ class ResampledReader : public FrameReader {
     std::unique_ptr<FrameReader> inner_;
     Shape from_;
     Shape to_;
-    std::unique_ptr<codec::Resampler> resampler_;
+    std::unique_ptr<ffmpeg::Resampler> resampler_;
     std::vector<float> input_;
     std::vector<float> ready_;
     std::size_t used_ = 0;  ///< samples of ready_ handed out

@@ -4,11 +4,11 @@
 #include <algorithm>
 #include <array>
 
-#include "audio/codec/Decoder.h"
-#include "audio/codec/Encoder.h"
 #include "audio/edit/Resampled.h"
 #include "audio/edit/SoundWriters.h"
+#include "audio/read/Decoder.h"
 #include "audio/wave/Layout.h"
+#include "audio/write/Encoder.h"
 #include "platform/Error.h"
 #include "platform/Paths.h"
 
@@ -20,14 +20,13 @@ namespace {
                           "\" cannot be saved: " + reason + ".");
 }
 
-bool carriesChapters(codec::Container container) {
-    return container != codec::Container::Other;
+bool carriesChapters(Container container) {
+    return container != Container::Other;
 }
 
 // Compressed sound in a WAV file is written without the model's chunks.
 bool losesChunks(const SaveJob& job) {
-    if (job.output.container != codec::Container::Wav || job.output.codec == codec::Codec::Pcm)
-        return false;
+    if (job.output.container != Container::Wav || job.output.codec == Codec::Pcm) return false;
     static constexpr std::array own{"fmt ", "data", "fact", "ds64", "JUNK", "PAD "};
     const wave::Layout layout = wave::readLayout(job.source->path());
     return std::any_of(layout.chunks.begin(), layout.chunks.end(), [](const wave::Chunk& chunk) {
@@ -37,7 +36,7 @@ bool losesChunks(const SaveJob& job) {
 
 // What a save would lose it must not begin.
 void requireCarriable(const SaveJob& job) {
-    const codec::Contents& contents = job.source->contents();
+    const Contents& contents = job.source->contents();
     if (contents.audioStreams > 1) refuse(job, "it holds several sounds, and only one is edited");
     if (contents.chained) refuse(job, "it is a chain of several sounds");
     if (!job.sameFormat()) return;
@@ -51,20 +50,20 @@ void requireCarriable(const SaveJob& job) {
 }
 
 void requireEncoder(const SaveJob& job) {
-    if (codec::Encoder::canEncode(job.output)) return;
+    if (write::Encoder::canEncode(job.output)) return;
     refuse(job, "there is no encoder for its format (" + job.output.codecName + ")");
 }
 
 }  // namespace
 
 bool SaveJob::sameFormat() const {
-    const codec::Format& input = source->format();
+    const Format& input = source->format();
     const bool sameShape = output.sampleRate == input.sampleRate &&
                            output.channels == input.channels &&
                            output.sampleType == input.sampleType;
     if (!sameShape || output.container != input.container || output.codec != input.codec)
         return false;
-    return output.codec == codec::Codec::Pcm ||
+    return output.codec == Codec::Pcm ||
            (output.codecName == input.codecName && output.bitRate == input.bitRate &&
             output.variableBitRate == input.variableBitRate);
 }
@@ -84,8 +83,8 @@ void verifySound(const std::filesystem::path& written, const SaveJob& job,
                  const SaveReport& report) {
     job.source->requireUnchanged();
     if (report.verified) return;
-    codec::Decoder decoder(written);
-    const codec::Format& format = decoder.format();
+    read::Decoder decoder(written);
+    const Format& format = decoder.format();
     if (format.sampleRate == job.output.sampleRate && format.channels == job.output.channels &&
         decoder.frames() == report.frames)
         return;
@@ -121,7 +120,7 @@ SaveReport write(const SaveJob& job, platform::file::Replacement& file, Work& wo
     work.begin(job.list.frames());
     const bool unchanged = job.sameFormat() && job.keepTags && job.list.isAllOf(*job.source);
     if (unchanged) return writeCopy(job, file, work);
-    if (job.output.codec == codec::Codec::Mp3 || job.output.codec == codec::Codec::Mp2)
+    if (job.output.codec == Codec::Mp3 || job.output.codec == Codec::Mp2)
         return writeVerifiedMpeg(job, file, work);
     return writeEncoded(job, file, work);
 }

@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "audio/codec/Format.h"
+#include "audio/Format.h"
 #include "audio/edit/EditList.h"
 #include "audio/edit/SourceMaterial.h"
 #include "audio/edit/Work.h"
@@ -19,7 +19,7 @@ namespace audio::edit {
 struct SaveJob {
     EditList list;                                 ///< at the source's rate and channels
     std::shared_ptr<const SourceMaterial> source;  ///< the file that was loaded
-    codec::Format output;
+    Format output;
     bool keepTags = true;
     bool encodeAll = false;  ///< never join MPEG frames, encode all of the sound
     /// Where encoded sound is kept while its final place is being prepared.

@@ -4,30 +4,30 @@
 #include <algorithm>
 #include <bit>
 
-#include "audio/dsp/Dither.h"
 #include "audio/edit/EditReader.h"
 #include "audio/edit/ReadAhead.h"
 #include "audio/edit/Resampled.h"
+#include "audio/pcm/Dither.h"
 
 namespace audio::edit {
 namespace {
 
 constexpr std::size_t blockFrames = 16384;
 
-dsp::PcmFormat pcmFormatOf(codec::SampleType type) {
+pcm::PcmFormat pcmFormatOf(pcm::SampleType type) {
     switch (type) {
-        case codec::SampleType::U8:
-            return dsp::PcmFormat::U8;
-        case codec::SampleType::S16:
-            return dsp::PcmFormat::S16;
-        case codec::SampleType::S24:
-            return dsp::PcmFormat::S24;
-        case codec::SampleType::S32:
-            return dsp::PcmFormat::S32;
-        case codec::SampleType::F64:
-            return dsp::PcmFormat::F64;
+        case pcm::SampleType::U8:
+            return pcm::PcmFormat::U8;
+        case pcm::SampleType::S16:
+            return pcm::PcmFormat::S16;
+        case pcm::SampleType::S24:
+            return pcm::PcmFormat::S24;
+        case pcm::SampleType::S32:
+            return pcm::PcmFormat::S32;
+        case pcm::SampleType::F64:
+            return pcm::PcmFormat::F64;
         default:
-            return dsp::PcmFormat::F32;
+            return pcm::PcmFormat::F32;
     }
 }
 
@@ -35,18 +35,18 @@ dsp::PcmFormat pcmFormatOf(codec::SampleType type) {
 void addDither(std::span<float> samples, int bits, std::uint64_t firstIndex) {
     const float step = 1.0F / static_cast<float>(1 << (bits - 1));
     for (float& sample : samples) {
-        if (sample != 0.0F) sample += step * dsp::ditherNoise(firstIndex);
+        if (sample != 0.0F) sample += step * pcm::ditherNoise(firstIndex);
         ++firstIndex;
     }
 }
 
 }  // namespace
 
-SoundFeed::SoundFeed(const SaveJob& job, codec::Encoder& encoder, Work& work)
+SoundFeed::SoundFeed(const SaveJob& job, write::Encoder& encoder, Work& work)
     : job_(job),
       encoder_(encoder),
       work_(work),
-      copiesPcm_(job.output.codec == codec::Codec::Pcm && job.sameFormat()),
+      copiesPcm_(job.output.codec == Codec::Pcm && job.sameFormat()),
       converts_(job.list.shape() != Shape{job.output.sampleRate, job.output.channels}),
       bits_(job.output.bitsPerSample) {}
 
@@ -124,10 +124,10 @@ void SoundFeed::store(std::span<float> interleaved, bool dithered) {
     const std::size_t frames = interleaved.size() / channels;
     const std::uint64_t firstIndex =
         noiseStart(interleaved) + static_cast<std::uint64_t>(written_) * channels;
-    if (job_.output.codec == codec::Codec::Pcm) {
-        const dsp::PcmFormat format = pcmFormatOf(job_.output.sampleType);
-        bytes_.resize(interleaved.size() * dsp::bytesPerSample(format));
-        dsp::toPcm(interleaved, format, firstIndex, bytes_.data());
+    if (job_.output.codec == Codec::Pcm) {
+        const pcm::PcmFormat format = pcmFormatOf(job_.output.sampleType);
+        bytes_.resize(interleaved.size() * pcm::bytesPerSample(format));
+        pcm::toPcm(interleaved, format, firstIndex, bytes_.data());
         encoder_.writePcm(bytes_.data(), frames);
         return;
     }

@@ -7,8 +7,8 @@
 #include <span>
 #include <vector>
 
-#include "audio/codec/Encoder.h"
 #include "audio/edit/Saver.h"
+#include "audio/write/Encoder.h"
 
 namespace audio::edit {
 
@@ -17,7 +17,7 @@ namespace audio::edit {
 /// fewer bits. One thread; throws what reading and writing throw.
 class SoundFeed {
   public:
-    SoundFeed(const SaveJob& job, codec::Encoder& encoder, Work& work);
+    SoundFeed(const SaveJob& job, write::Encoder& encoder, Work& work);
 
     /// All of it. Returns how many frames of it are not copies of the source's.
     std::int64_t run();
@@ -36,7 +36,7 @@ class SoundFeed {
     std::uint64_t noiseStart(std::span<const float> first);
 
     const SaveJob& job_;
-    codec::Encoder& encoder_;
+    write::Encoder& encoder_;
     Work& work_;
     bool copiesPcm_;            ///< the output's samples are the source's, byte for byte
     bool converts_;             ///< rate or channels change

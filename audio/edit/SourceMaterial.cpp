@@ -25,7 +25,7 @@ class SourceReader : public FrameReader {
 
   private:
     const SourceMaterial& source_;
-    std::unique_ptr<codec::Decoder> decoder_;
+    std::unique_ptr<read::Decoder> decoder_;
 };
 
 }  // namespace
@@ -33,7 +33,7 @@ class SourceReader : public FrameReader {
 SourceMaterial::SourceMaterial(const std::filesystem::path& file) : stamp_(FileStamp::of(file)) {
     std::error_code ignored;
     path_ = std::filesystem::absolute(file, ignored);
-    auto decoder = std::make_unique<codec::Decoder>(path_);
+    auto decoder = std::make_unique<read::Decoder>(path_);
     format_ = decoder->format();
     frames_ = decoder->frames();
     contents_ = decoder->contents();
@@ -56,7 +56,7 @@ void SourceMaterial::requireUnchanged() const {
                           "\" has been changed by another program since it was loaded.");
 }
 
-std::unique_ptr<codec::Decoder> SourceMaterial::takeDecoder() const {
+std::unique_ptr<read::Decoder> SourceMaterial::takeDecoder() const {
     requireUnchanged();
     {
         const std::lock_guard lock(mutex_);
@@ -66,15 +66,15 @@ std::unique_ptr<codec::Decoder> SourceMaterial::takeDecoder() const {
             return decoder;
         }
     }
-    return std::make_unique<codec::Decoder>(path_);
+    return std::make_unique<read::Decoder>(path_);
 }
 
-void SourceMaterial::giveBack(std::unique_ptr<codec::Decoder> decoder) const {
+void SourceMaterial::giveBack(std::unique_ptr<read::Decoder> decoder) const {
     const std::lock_guard lock(mutex_);
     if (idle_.size() < 2) idle_.push_back(std::move(decoder));
 }
 
-void SourceMaterial::testDecode(codec::Decoder& decoder) const {
+void SourceMaterial::testDecode(read::Decoder& decoder) const {
     if (frames_ == 0) return;
     std::vector<float> few(static_cast<std::size_t>(1024 * format_.channels));
     if (decoder.read(few.data(), 1024) > 0) return;

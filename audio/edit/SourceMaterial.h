@@ -6,9 +6,9 @@
 #include <mutex>
 #include <vector>
 
-#include "audio/codec/Decoder.h"
 #include "audio/edit/FileStamp.h"
 #include "audio/edit/Material.h"
+#include "audio/read/Decoder.h"
 
 namespace audio::edit {
 
@@ -22,30 +22,30 @@ class SourceMaterial : public Material {
     ~SourceMaterial() override;
 
     std::int64_t frames() const override { return frames_; }
-    bool seeksFast() const override { return format_.container != codec::Container::Other; }
+    bool seeksFast() const override { return format_.container != Container::Other; }
     std::unique_ptr<FrameReader> open() const override;
 
     const std::filesystem::path& path() const { return path_; }
-    const codec::Format& format() const { return format_; }
-    const codec::Contents& contents() const { return contents_; }
+    const Format& format() const { return format_; }
+    const Contents& contents() const { return contents_; }
     Shape shape() const { return {format_.sampleRate, format_.channels}; }
 
     /// Throws platform::Error where the file is no longer the one that was opened.
     void requireUnchanged() const;
     /// A decoder of the file, at any position. Give it back where it can serve again.
-    std::unique_ptr<codec::Decoder> takeDecoder() const;
-    void giveBack(std::unique_ptr<codec::Decoder> decoder) const;
+    std::unique_ptr<read::Decoder> takeDecoder() const;
+    void giveBack(std::unique_ptr<read::Decoder> decoder) const;
 
   private:
-    void testDecode(codec::Decoder& decoder) const;
+    void testDecode(read::Decoder& decoder) const;
 
     std::filesystem::path path_;
     FileStamp stamp_;
-    codec::Format format_;
-    codec::Contents contents_;
+    Format format_;
+    Contents contents_;
     std::int64_t frames_ = 0;
     mutable std::mutex mutex_;  // guards idle_
-    mutable std::vector<std::unique_ptr<codec::Decoder>> idle_;
+    mutable std::vector<std::unique_ptr<read::Decoder>> idle_;
 };
 
 }  // namespace audio::edit

@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <vector>
 
-#include "audio/mpeg/FrameIndex.h"
+#include "audio/mpeg/read/FrameIndex.h"
 #include "audio/tags/LevelFields.h"
 #include "platform/file/Replacement.h"
 

@@ -16,9 +16,9 @@
 #include <fileref.h>
 #include <tag.h>
 
-#include "audio/codec/Decoder.h"
-#include "audio/mpeg/FrameScanner.h"
-#include "audio/mpeg/InfoTag.h"
+#include "audio/mpeg/read/FrameScanner.h"
+#include "audio/mpeg/read/InfoTag.h"
+#include "audio/read/Decoder.h"
 
 namespace audio::tags {
 namespace {
@@ -97,7 +97,7 @@ std::int64_t durationOf(const TagLib::FileRef& file) {
 /// For formats that TagLib does not know; -1 where the decoder does not either.
 std::int64_t decodersEstimate(const std::filesystem::path& path) {
     try {
-        const codec::Decoder decoder(path);
+        const read::Decoder decoder(path);
         const std::int64_t frames = decoder.estimatedFrames();
         return frames <= 0 ? -1 : frames * 1000 / decoder.format().sampleRate;
     } catch (const std::exception&) {

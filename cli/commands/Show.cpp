@@ -9,7 +9,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "audio/codec/Decoder.h"
+#include "audio/read/Decoder.h"
 #include "audio/tags/TrackInfo.h"
 #include "cli/Inputs.h"
 #include "cli/Session.h"
@@ -49,7 +49,7 @@ QString reasonAgainst(const QString& path, const Row& row) {
     if (fs::exists(status) && !fs::is_regular_file(status))
         return path + u" is no ordinary file."_s;
     try {
-        const audio::codec::Decoder decoder(platform::toPath(path));
+        const audio::read::Decoder decoder(platform::toPath(path));
         return {};
     } catch (const std::exception& failure) {
         return QString::fromUtf8(failure.what());

@@ -6,10 +6,10 @@
 
 #include <QPointer>
 
-#include "audio/codec/Encoder.h"
 #include "audio/edit/EffectMaterial.h"
 #include "audio/edit/Resampled.h"
 #include "audio/edit/Saver.h"
+#include "audio/write/Encoder.h"
 #include "effects/engine/BackgroundWork.h"
 #include "effects/engine/EditorState.h"
 #include "effects/engine/Measure.h"
@@ -18,8 +18,8 @@
 
 namespace effects {
 
+using audio::FrameRange;
 using audio::edit::EditList;
-using audio::edit::FrameRange;
 using audio::edit::Work;
 
 class AudioEditor::Impl : public std::enable_shared_from_this<Impl> {
@@ -45,7 +45,7 @@ class AudioEditor::Impl : public std::enable_shared_from_this<Impl> {
     Sound sound;
     bool savedOver = false;  ///< the file on disk is not the one that `sound` was opened from
     Selection selection;
-    std::optional<audio::codec::Format> output;
+    std::optional<audio::Format> output;
     bool keepTags = true;
     audio::edit::SaveReport lastReport;
     std::shared_ptr<Work> work;  ///< of the operation in hand, else null
@@ -305,7 +305,7 @@ void AudioEditor::SetOutputFormatWav(std::int32_t rate, std::int32_t channels, s
 }
 
 void AudioEditor::SetOutputFormatMp3(std::int32_t rate, std::int32_t kbps, std::int32_t channels) {
-    impl_->output = audio::codec::nearestMp3(rate, kbps, channels);
+    impl_->output = audio::write::nearestMp3(rate, kbps, channels);
 }
 
 void AudioEditor::SetKeepTags(bool keep) {

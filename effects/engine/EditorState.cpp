@@ -27,28 +27,28 @@ audio::edit::MixMaterial::Other openForMix(const QString& path, audio::edit::Sha
     return {material, skipped, static_cast<double>(percent) / 100.0};
 }
 
-audio::codec::Format wavFormat(std::int32_t rate, std::int32_t channels, std::int32_t bits) {
+audio::Format wavFormat(std::int32_t rate, std::int32_t channels, std::int32_t bits) {
     if (rate < 1 || channels < 1 || channels > 255 || (bits != 8 && bits != 16))
         throw platform::Error("A WAV file cannot have " + std::to_string(rate) + " Hz, " +
                               std::to_string(channels) + " channels and " + std::to_string(bits) +
                               " bits.");
-    audio::codec::Format format;
-    format.container = audio::codec::Container::Wav;
-    format.codec = audio::codec::Codec::Pcm;
+    audio::Format format;
+    format.container = audio::Container::Wav;
+    format.codec = audio::Codec::Pcm;
     format.containerName = "wav";
     format.codecName = bits == 8 ? "pcm_u8" : "pcm_s16le";
     format.sampleRate = rate;
     format.channels = channels;
-    format.sampleType = bits == 8 ? audio::codec::SampleType::U8 : audio::codec::SampleType::S16;
+    format.sampleType = bits == 8 ? audio::pcm::SampleType::U8 : audio::pcm::SampleType::S16;
     format.bitsPerSample = bits;
     format.bitRate = std::int64_t{rate} * channels * bits;
     return format;
 }
 
-audio::edit::FrameRange rangeInside(const Selection& selection, std::int64_t length) {
+audio::FrameRange rangeInside(const Selection& selection, std::int64_t length) {
     if (!selection.active) throw platform::Error("No part of the sound is selected.");
-    const audio::edit::FrameRange range{std::max<std::int64_t>(0, selection.start),
-                                        std::min<std::int64_t>(length, selection.end)};
+    const audio::FrameRange range{std::max<std::int64_t>(0, selection.start),
+                                  std::min<std::int64_t>(length, selection.end)};
     if (range.start >= range.end)
         throw platform::Error("The selected part is empty or lies outside the sound.");
     return range;

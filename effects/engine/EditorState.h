@@ -38,11 +38,11 @@ audio::edit::MixMaterial::Other openForMix(const QString& path, audio::edit::Sha
                                            std::int64_t skipped, float percent);
 
 /// PCM in a WAV file, of 8 or 16 bits. Throws platform::Error for anything else.
-audio::codec::Format wavFormat(std::int32_t rate, std::int32_t channels, std::int32_t bits);
+audio::Format wavFormat(std::int32_t rate, std::int32_t channels, std::int32_t bits);
 
 /// The part of an active selection that lies inside a sound of this length. Throws platform::Error
 /// where there is none.
-audio::edit::FrameRange rangeInside(const Selection& selection, std::int64_t length);
+audio::FrameRange rangeInside(const Selection& selection, std::int64_t length);
 
 /// milliseconds × rate / 1000, to the nearest frame. Throws platform::Error beyond 32 bits.
 std::int32_t frameAt(std::int32_t milliseconds, int sampleRate);

@@ -13,12 +13,12 @@
 namespace effects {
 namespace {
 
+using audio::FrameRange;
 using audio::dsp::GatingMeter;
 using audio::dsp::LoudnessShape;
 using audio::dsp::WindowGrid;
 using audio::dsp::WindowMeter;
 using audio::edit::EditList;
-using audio::edit::FrameRange;
 using audio::edit::Work;
 
 // Each piece but the first begins as much earlier as its first gating block needs.

@@ -11,7 +11,7 @@ namespace effects {
 /// The highest absolute samples of a range: one for all channels together where they are linked,
 /// else one for each. One pass over the range, on every core. Worker thread; throws what reading
 /// throws.
-std::vector<float> measurePeaks(const audio::edit::EditList& list, audio::edit::FrameRange range,
+std::vector<float> measurePeaks(const audio::edit::EditList& list, audio::FrameRange range,
                                 bool linked, audio::edit::Work& work);
 
 struct SilenceSettings {
@@ -22,8 +22,7 @@ struct SilenceSettings {
 /// What is left of a range when the silence at its ends goes; in frames of the list. One pass over
 /// the range, on every core, and a second look at its ends. Worker thread; throws what reading
 /// throws.
-audio::edit::FrameRange measureAudible(const audio::edit::EditList& list,
-                                       audio::edit::FrameRange range,
-                                       const SilenceSettings& settings, audio::edit::Work& work);
+audio::FrameRange measureAudible(const audio::edit::EditList& list, audio::FrameRange range,
+                                 const SilenceSettings& settings, audio::edit::Work& work);
 
 }  // namespace effects

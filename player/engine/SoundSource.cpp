@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "player/engine/SoundSource.h"
 
-#include "audio/codec/Decoder.h"
+#include "audio/read/Decoder.h"
 #include "platform/Paths.h"
 
 namespace player {
@@ -20,7 +20,7 @@ class DecoderSource final : public SoundSource {
     void seek(std::int64_t frame) override { decoder_.seek(frame); }
 
   private:
-    audio::codec::Decoder decoder_;
+    audio::read::Decoder decoder_;
 };
 
 }  // namespace

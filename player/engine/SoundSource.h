@@ -12,7 +12,7 @@
 
 namespace player {
 
-/// One open sound file, as the player needs it: see audio::codec::Decoder, whose meanings these
+/// One open sound file, as the player needs it: see audio::read::Decoder, whose meanings these
 /// are. One thread at a time. All but the first three throw platform::Error.
 class SoundSource {
   public:
@@ -28,7 +28,7 @@ class SoundSource {
 /// Opens a local file. Throws platform::Error.
 using OpenSound = std::function<std::unique_ptr<SoundSource>(const QString& path)>;
 
-/// Opens with audio::codec::Decoder.
+/// Opens with audio::read::Decoder.
 std::unique_ptr<SoundSource> openWithDecoder(const QString& path);
 
 /// What an engine is put together from.

@@ -7,7 +7,7 @@ StereoConverter::StereoConverter(int inRate, int inChannels, int outRate)
     : inRate_(inRate), inChannels_(inChannels), outRate_(outRate) {
     const int channels = inChannels == 1 ? 2 : inChannels;  // mono is doubled here, at its level
     if (inRate != outRate || channels != 2)
-        resampler_ = std::make_unique<audio::codec::Resampler>(inRate, channels, outRate, 2);
+        resampler_ = std::make_unique<audio::ffmpeg::Resampler>(inRate, channels, outRate, 2);
 }
 
 void StereoConverter::push(const float* interleaved, std::size_t frames, std::vector<float>& out) {

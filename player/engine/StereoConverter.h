@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-#include "audio/codec/Resampler.h"
+#include "audio/ffmpeg/Resampler.h"
 
 namespace player {
 
@@ -34,8 +34,8 @@ class StereoConverter {
     int inRate_;
     int inChannels_;
     int outRate_;
-    std::unique_ptr<audio::codec::Resampler> resampler_;  // where one is needed
-    std::vector<float> stereo_;                           // of a mono source
+    std::unique_ptr<audio::ffmpeg::Resampler> resampler_;  // where one is needed
+    std::vector<float> stereo_;                            // of a mono source
     std::int64_t taken_ = 0;
 };
 

@@ -10,8 +10,8 @@
 #include <span>
 #include <vector>
 
-#include "audio/output/FrameRing.h"
 #include "audio/output/OutputDevice.h"
+#include "audio/pcm/FrameRing.h"
 
 namespace player {
 
@@ -56,7 +56,7 @@ class VoiceChannel {
 
     // The decoder thread.
 
-    audio::output::FrameRing& ring() { return ring_; }
+    audio::pcm::FrameRing& ring() { return ring_; }
     /// Makes the ring's frames from this one on the next that are mixed; `rate` is theirs. A hard
     /// start begins with its first sample, any other with a short ramp.
     void publish(std::int64_t frame, int rate, bool hardStart);
@@ -86,7 +86,7 @@ class VoiceChannel {
     void mix(float* stereo, std::int64_t first, std::size_t frames, float gateStep);
     void note(std::int64_t first, std::int64_t end, const audio::output::Timing& timing);
 
-    audio::output::FrameRing ring_;
+    audio::pcm::FrameRing ring_;
     std::atomic<bool> running_ = false;             // owner writes
     std::atomic<float> volume_ = 1.0F;              // owner writes
     std::atomic<unsigned> announced_ = 0;           // owner writes

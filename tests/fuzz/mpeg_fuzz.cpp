@@ -10,8 +10,8 @@
 #include <unistd.h>
 #include <vector>
 
-#include "audio/mpeg/FrameScanner.h"
-#include "audio/mpeg/Splice.h"
+#include "audio/mpeg/read/FrameScanner.h"
+#include "audio/mpeg/splice/Splice.h"
 #include "platform/Error.h"
 
 namespace {

@@ -9,7 +9,7 @@
 #include <unistd.h>
 #include <vector>
 
-#include "audio/codec/Decoder.h"
+#include "audio/read/Decoder.h"
 #include "audio/wave/Layout.h"
 #include "platform/Error.h"
 
@@ -36,7 +36,7 @@ void readLayout() {
 }
 
 void readSound() {
-    audio::codec::Decoder decoder(scratch());
+    audio::read::Decoder decoder(scratch());
     const auto promised = decoder.frames();
     std::vector<float> block(4096 * static_cast<std::size_t>(decoder.format().channels));
     std::int64_t frames = 0;

@@ -7,7 +7,7 @@
 #include <QTest>
 #include <gtest/gtest.h>
 
-#include "audio/codec/Decoder.h"
+#include "audio/read/Decoder.h"
 #include "platform/Paths.h"
 #include "tests/support/Fixtures.h"
 
@@ -107,7 +107,7 @@ QString fixturePath(const QString& name) {
 }
 
 std::vector<float> decoded(const QString& name) {
-    audio::codec::Decoder decoder(fixture(name.toStdString()));
+    audio::read::Decoder decoder(fixture(name.toStdString()));
     const auto channels = std::size_t(decoder.format().channels);
     std::vector<float> sound;
     std::vector<float> chunk(4096 * channels);

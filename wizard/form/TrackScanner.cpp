@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <vector>
 
-#include "audio/codec/Decoder.h"
 #include "audio/dsp/Peaks.h"
+#include "audio/read/Decoder.h"
 #include "audio/tags/TrackInfo.h"
 #include "platform/Error.h"
 #include "platform/Paths.h"
@@ -52,7 +52,7 @@ void TrackScanner::readLength(const QString& path) {
 }
 
 void TrackScanner::readPeaks(const QString& path) try {
-    audio::codec::Decoder decoder(platform::toPath(path));
+    audio::read::Decoder decoder(platform::toPath(path));
     const int channels = decoder.format().channels;
     audio::dsp::PeakMeter meter(decoder.frames(), channels, Columns);
     std::vector<float> samples(ChunkFrames * static_cast<std::size_t>(channels));

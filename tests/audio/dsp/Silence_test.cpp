@@ -8,6 +8,9 @@
 
 #include <gtest/gtest.h>
 
+#include "audio/dsp/Loudness.h"
+
+using audio::FrameRange;
 using namespace audio::dsp;
 
 namespace {

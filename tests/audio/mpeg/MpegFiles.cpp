@@ -9,7 +9,7 @@
 
 #include <QProcess>
 
-#include "audio/mpeg/FrameIndex.h"
+#include "audio/mpeg/read/FrameIndex.h"
 #include "platform/Paths.h"
 
 namespace support {

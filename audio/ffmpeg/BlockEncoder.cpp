@@ -1,0 +1,195 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "audio/ffmpeg/BlockEncoder.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "audio/FileError.h"
+
+namespace audio::ffmpeg {
+namespace {
+
+constexpr std::size_t blockOfFreeSize = 4'096;  // frames, for encoders that take any number
+constexpr double fullScale32 = 2147483648.0;
+
+/// The sample format of an encoder that loses least; integers of a lossless codec as many bits as
+/// the sound has.
+AVSampleFormat sampleFormatFor(const AVCodec& encoder, const Format& format) {
+    const auto rank = [&](AVSampleFormat candidate) {
+        const bool wide = format.bitsPerSample > 16;
+        switch (av_get_packed_sample_fmt(candidate)) {
+            case AV_SAMPLE_FMT_FLT:
+                return format.sampleType == pcm::SampleType::Lossy ? 5 : 1;
+            case AV_SAMPLE_FMT_DBL:
+                return 0;
+            case AV_SAMPLE_FMT_S32:
+                return wide ? 4 : 2;
+            case AV_SAMPLE_FMT_S16:
+                return wide ? 2 : 4;
+            default:
+                return 0;
+        }
+    };
+    AVSampleFormat best = AV_SAMPLE_FMT_S16;
+    int bestRank = -1;
+    for (const AVSampleFormat* each = encoder.sample_fmts; each && *each != AV_SAMPLE_FMT_NONE;
+         ++each)
+        if (rank(*each) > bestRank) {
+            best = *each;
+            bestRank = rank(*each);
+        }
+    return best;
+}
+
+template <typename T>
+T converted(float sample, double quantum);
+
+template <>
+float converted<float>(float sample, double) {
+    return sample;
+}
+template <>
+double converted<double>(float sample, double) {
+    return double(sample);
+}
+template <>
+std::uint8_t converted<std::uint8_t>(float sample, double) {
+    return static_cast<std::uint8_t>(
+        std::clamp(std::nearbyint(sample * 128.0F) + 128, 0.0F, 255.0F));
+}
+template <>
+std::int16_t converted<std::int16_t>(float sample, double) {
+    return static_cast<std::int16_t>(
+        std::clamp(std::nearbyint(sample * 32768.0F), -32768.0F, 32767.0F));
+}
+/// Rounded to a multiple of the quantum: 24 bits lie at the top of 32.
+template <>
+std::int32_t converted<std::int32_t>(float sample, double quantum) {
+    const double steps = fullScale32 / quantum;
+    const double value = std::clamp(std::nearbyint(double(sample) * steps), -steps, steps - 1);
+    return static_cast<std::int32_t>(value * quantum);
+}
+
+template <typename T>
+void fill(AVFrame& frame, bool planar, const float* in, std::size_t channels, double quantum) {
+    const auto frames = static_cast<std::size_t>(frame.nb_samples);
+    for (std::size_t channel = 0; channel < channels; ++channel) {
+        T* out = reinterpret_cast<T*>(frame.extended_data[planar ? channel : 0]);
+        const std::size_t step = planar ? 1 : channels;
+        if (!planar) out += channel;
+        for (std::size_t i = 0; i < frames; ++i) {
+            const float sample = in[i * channels + channel];
+            out[i * step] = converted<T>(std::isnan(sample) ? 0.0F : sample, quantum);
+        }
+    }
+}
+
+}  // namespace
+
+BlockEncoder::BlockEncoder(const std::filesystem::path& file, const Format& format,
+                           const Recipe& recipe)
+    : file_(file), frame_(makeFrame()), packet_(makePacket()) {
+    silenceFfmpeg();
+    open(format, recipe);
+}
+
+void BlockEncoder::require(int result, const std::string& what) const {
+    if (result < 0) throw fileError(file_, what + ": " + ffmpegReason(result));
+}
+
+void BlockEncoder::open(const Format& format, const Recipe& recipe) {
+    codec_.reset(avcodec_alloc_context3(recipe.encoder));
+    if (!codec_) throw std::bad_alloc();
+    codec_->sample_rate = format.sampleRate;
+    codec_->sample_fmt = sampleFormatFor(*recipe.encoder, format);
+    codec_->time_base = AVRational{1, format.sampleRate};
+    codec_->thread_count = 1;
+    codec_->flags |= AV_CODEC_FLAG_BITEXACT;
+    if (recipe.muxer->flags & AVFMT_GLOBALHEADER) codec_->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
+    if (format.channelMask != 0 && av_popcount64(format.channelMask) == format.channels)
+        av_channel_layout_from_mask(&codec_->ch_layout, format.channelMask);
+    else
+        av_channel_layout_default(&codec_->ch_layout, format.channels);
+
+    if (format.sampleType == pcm::SampleType::Lossy) {
+        codec_->bit_rate = format.bitRate;
+        if (format.codec == Codec::Wma) {
+            // The encoder rounds down to whole bytes per block: ask for what gives the same again.
+            const double bytes = double(format.bitRate) * recipe.block / (8.0 * format.sampleRate);
+            codec_->bit_rate = std::llround(
+                std::ceil((std::round(bytes) + 0.01) * 8 * format.sampleRate / recipe.block));
+        }
+    } else {
+        codec_->bits_per_raw_sample = format.bitsPerSample;
+        const bool narrow =
+            codec_->sample_fmt == AV_SAMPLE_FMT_S32 || codec_->sample_fmt == AV_SAMPLE_FMT_S32P;
+        if (narrow && format.bitsPerSample > 16 && format.bitsPerSample < 32)
+            quantum_ = 32 - format.bitsPerSample;
+    }
+    const int result = avcodec_open2(codec_.get(), recipe.encoder, nullptr);
+    require(result, "cannot be written as " + std::string(recipe.encoder->name) + " at " +
+                        std::to_string(format.sampleRate) + " Hz with " +
+                        std::to_string(format.channels) + " channels");
+    blockFrames_ =
+        codec_->frame_size > 0 ? static_cast<std::size_t>(codec_->frame_size) : blockOfFreeSize;
+}
+
+void BlockEncoder::fillFrame(const float* interleaved, std::size_t frames, std::int64_t stamp) {
+    AVFrame& frame = *frame_;
+    av_frame_unref(&frame);
+    frame.nb_samples = static_cast<int>(frames);
+    frame.format = codec_->sample_fmt;
+    frame.sample_rate = codec_->sample_rate;
+    frame.pts = stamp;
+    require(av_channel_layout_copy(&frame.ch_layout, &codec_->ch_layout), "could not be encoded");
+    require(av_frame_get_buffer(&frame, 0), "could not be encoded");
+    const bool planar = av_sample_fmt_is_planar(codec_->sample_fmt) != 0;
+    const double quantum = std::ldexp(1.0, quantum_);
+    switch (av_get_packed_sample_fmt(codec_->sample_fmt)) {
+        case AV_SAMPLE_FMT_U8:
+            fill<std::uint8_t>(frame, planar, interleaved, channels(), 1);
+            break;
+        case AV_SAMPLE_FMT_S16:
+            fill<std::int16_t>(frame, planar, interleaved, channels(), 1);
+            break;
+        case AV_SAMPLE_FMT_S32:
+            fill<std::int32_t>(frame, planar, interleaved, channels(), quantum);
+            break;
+        case AV_SAMPLE_FMT_DBL:
+            fill<double>(frame, planar, interleaved, channels(), 1);
+            break;
+        default:
+            fill<float>(frame, planar, interleaved, channels(), 1);
+            break;
+    }
+}
+
+void BlockEncoder::encode(const float* interleaved, std::size_t frames, std::int64_t stamp,
+                          const TakePacket& take) {
+    fillFrame(interleaved, frames, stamp);
+    send(frame_.get(), take);
+}
+
+// That it cannot be encoded as the first block says nothing of the block in its own place.
+void BlockEncoder::warmUp(const float* interleaved, std::int64_t stamp) {
+    fillFrame(interleaved, blockFrames_, stamp);
+    if (avcodec_send_frame(codec_.get(), frame_.get()) < 0) return;
+    while (avcodec_receive_packet(codec_.get(), packet_.get()) >= 0) av_packet_unref(packet_.get());
+}
+
+void BlockEncoder::finish(const TakePacket& take) {
+    send(nullptr, take);
+}
+
+void BlockEncoder::send(const AVFrame* frame, const TakePacket& take) {
+    require(avcodec_send_frame(codec_.get(), frame), "could not be encoded");
+    while (true) {
+        const int result = avcodec_receive_packet(codec_.get(), packet_.get());
+        if (result == AVERROR(EAGAIN) || result == AVERROR_EOF) return;
+        require(result, "could not be encoded");
+        take(*packet_);
+        av_packet_unref(packet_.get());
+    }
+}
+
+}  // namespace audio::ffmpeg

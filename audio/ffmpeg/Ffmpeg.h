@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavformat/avformat.h>
+#include <libavutil/channel_layout.h>
+#include <libavutil/opt.h>
+#include <libswresample/swresample.h>
+}
+
+#include <memory>
+#include <string>
+
+namespace audio::ffmpeg {
+
+struct PacketFree {
+    void operator()(AVPacket* packet) const { av_packet_free(&packet); }
+};
+struct FrameFree {
+    void operator()(AVFrame* frame) const { av_frame_free(&frame); }
+};
+struct CodecFree {
+    void operator()(AVCodecContext* context) const { avcodec_free_context(&context); }
+};
+struct InputFree {
+    void operator()(AVFormatContext* context) const { avformat_close_input(&context); }
+};
+struct OutputFree {
+    void operator()(AVFormatContext* context) const {
+        avio_closep(&context->pb);
+        avformat_free_context(context);
+    }
+};
+struct ResamplerFree {
+    void operator()(SwrContext* context) const { swr_free(&context); }
+};
+struct DictionaryFree {
+    void operator()(AVDictionary* dictionary) const { av_dict_free(&dictionary); }
+};
+
+// FFmpeg's objects, one owner each.
+using PacketPtr = std::unique_ptr<AVPacket, PacketFree>;
+using FramePtr = std::unique_ptr<AVFrame, FrameFree>;
+using CodecPtr = std::unique_ptr<AVCodecContext, CodecFree>;
+using InputPtr = std::unique_ptr<AVFormatContext, InputFree>;
+using OutputPtr = std::unique_ptr<AVFormatContext, OutputFree>;  ///< a muxer and its open file
+using SwrPtr = std::unique_ptr<SwrContext, ResamplerFree>;
+
+PacketPtr makePacket();  ///< throws std::bad_alloc
+FramePtr makeFrame();    ///< throws std::bad_alloc
+
+/// FFmpeg's text for one of its error codes.
+std::string ffmpegReason(int error);
+
+/// Keeps FFmpeg's libraries from writing to the terminal. Any thread, any number of times.
+void silenceFfmpeg();
+
+}  // namespace audio::ffmpeg

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "audio/mpeg/read/FrameHeader.h"
+
+struct AVCodecContext;
+struct AVFrame;
+struct AVPacket;
+
+namespace audio::mpeg {
+
+/// Decodes MPEG audio frames one by one, dropping nothing: FFmpeg's float decoders. One thread at a
+/// time.
+class FrameDecoder {
+  public:
+    /// Throws platform::Error where FFmpeg was built without the decoder.
+    explicit FrameDecoder(const FrameHeader& header);
+    ~FrameDecoder();
+    FrameDecoder(const FrameDecoder&) = delete;
+    FrameDecoder& operator=(const FrameDecoder&) = delete;
+
+    /// Forgets the frames before, as at the start of a stream.
+    void reset();
+    /// The frame's samples, interleaved; silence where it cannot be decoded. Valid until the next
+    /// call.
+    const std::vector<float>& decode(std::span<const std::uint8_t> frame);
+
+  private:
+    struct Free {
+        void operator()(AVCodecContext* context) const;
+        void operator()(AVPacket* packet) const;
+        void operator()(AVFrame* frame) const;
+    };
+    std::unique_ptr<AVCodecContext, Free> context_;
+    std::unique_ptr<AVPacket, Free> packet_;
+    std::unique_ptr<AVFrame, Free> frame_;
+    std::vector<std::uint8_t> input_;
+    std::vector<float> output_;
+    std::size_t samples_ = 0;
+    std::size_t channels_ = 0;
+};
+
+}  // namespace audio::mpeg

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+
+namespace audio::write {
+
+/// A file being written, whose every failure is a platform::Error that names it. One thread at a
+/// time.
+class OutputFile {
+  public:
+    /// Creates or empties the file.
+    explicit OutputFile(const std::filesystem::path& file);
+
+    void append(const unsigned char* bytes, std::size_t count);
+    /// Overwrites bytes near the file's start; appending goes on at its end.
+    void overwrite(std::int64_t offset, const unsigned char* bytes, std::size_t count);
+    void close();
+
+    const std::filesystem::path& path() const { return file_; }
+
+  private:
+    void check();
+
+    std::filesystem::path file_;
+    std::ofstream stream_;
+};
+
+}  // namespace audio::write
