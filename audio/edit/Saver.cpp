@@ -2,12 +2,11 @@
 #include "audio/edit/Saver.h"
 
 #include <algorithm>
-#include <array>
 
 #include "audio/edit/Resampled.h"
 #include "audio/edit/SoundWriters.h"
 #include "audio/read/Decoder.h"
-#include "audio/wave/Layout.h"
+#include "audio/tags/Carrier.h"
 #include "audio/write/Encoder.h"
 #include "platform/Error.h"
 #include "platform/Paths.h"
@@ -20,18 +19,16 @@ namespace {
                           "\" cannot be saved: " + reason + ".");
 }
 
-bool carriesChapters(Container container) {
-    return container != Container::Other;
+// A track of text of their own is how QuickTime keeps chapters; it is no other stream of the kind
+// that a sentence about moving pictures would explain.
+bool hasChapterTrack(const SaveJob& job) {
+    const Contents& contents = job.source->contents();
+    return contents.chapters > 0 && contents.otherStreams > 0 &&
+           job.output.containerName.starts_with("mov");
 }
 
-// Compressed sound in a WAV file is written without the model's chunks.
-bool losesChunks(const SaveJob& job) {
-    if (job.output.container != Container::Wav || job.output.codec == Codec::Pcm) return false;
-    static constexpr std::array own{"fmt ", "data", "fact", "ds64", "JUNK", "PAD "};
-    const wave::Layout layout = wave::readLayout(job.source->path());
-    return std::any_of(layout.chunks.begin(), layout.chunks.end(), [](const wave::Chunk& chunk) {
-        return std::find(own.begin(), own.end(), chunk.id) == own.end();
-    });
+bool carriesChapters(const Format& format) {
+    return format.container != Container::Other || tags::carrierFor(format) != nullptr;
 }
 
 // What a save would lose it must not begin.
@@ -40,12 +37,11 @@ void requireCarriable(const SaveJob& job) {
     if (contents.audioStreams > 1) refuse(job, "it holds several sounds, and only one is edited");
     if (contents.chained) refuse(job, "it is a chain of several sounds");
     if (!job.sameFormat()) return;
+    if (hasChapterTrack(job))
+        refuse(job, "its chapters lie on a track of their own, which could not be carried over");
     if (contents.otherStreams > 0)
         refuse(job, "it holds moving pictures or other data beside the sound");
-    if (job.keepTags && losesChunks(job))
-        refuse(job,
-               "the chunks beside its sound, which is not plain PCM, could not be carried over");
-    if (contents.chapters > 0 && !carriesChapters(job.output.container))
+    if (job.keepTags && contents.chapters > 0 && !carriesChapters(job.output))
         refuse(job, "its chapters could not be carried over");
 }
 

@@ -11,6 +11,8 @@ namespace {
 
 constexpr std::size_t blockOfFreeSize = 4'096;  // frames, for encoders that take any number
 constexpr double fullScale32 = 2147483648.0;
+constexpr std::int64_t leastOpusRate = 6'000;   // bit/s, RFC 6716, section 2.1.1
+constexpr std::int64_t mostOpusRate = 256'000;  // bit/s of each channel, libopus' limit
 
 /// The sample format of an encoder that loses least; integers of a lossless codec as many bits as
 /// the sound has.
@@ -113,6 +115,14 @@ void BlockEncoder::open(const Format& format, const Recipe& recipe) {
 
     if (format.sampleType == pcm::SampleType::Lossy) {
         codec_->bit_rate = format.bitRate;
+        if (codec_->codec_id == AV_CODEC_ID_OPUS) {
+            // Left to itself the encoder takes up to twice what it is asked for, so that every save
+            // would be larger than the one before. This one keeps to the mean (RFC 6716, 2.1.8).
+            constexpr int constrainedVbr = 2;
+            av_opt_set_int(codec_->priv_data, "vbr", constrainedVbr, 0);
+            codec_->bit_rate = std::clamp<std::int64_t>(format.bitRate, leastOpusRate,
+                                                        mostOpusRate * format.channels);
+        }
         if (format.codec == Codec::Wma) {
             // The encoder rounds down to whole bytes per block: ask for what gives the same again.
             const double bytes = double(format.bitRate) * recipe.block / (8.0 * format.sampleRate);

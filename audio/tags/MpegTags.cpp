@@ -59,6 +59,13 @@ MpegTags::MpegTags(const std::filesystem::path& file, const mpeg::FrameIndex& in
       leading_(piecesOf(index.leading(), levels)),
       trailing_(piecesOf(index.trailing(), levels)) {}
 
+MpegTags::MpegTags(const std::filesystem::path& file, const mpeg::TagRanges& ranges,
+                   LevelFields levels)
+    : file_(file), leading_(piecesOf({0, ranges.leadingEnd}, levels)) {
+    const std::int64_t size = platform::file::WindowReader(file).size();
+    trailing_ = piecesOf({ranges.trailingStart, size - ranges.trailingStart}, levels);
+}
+
 void MpegTags::write(const std::vector<Piece>& pieces, platform::file::Replacement& file) const {
     for (const Piece& piece : pieces) {
         if (piece.replacement.empty())
@@ -75,6 +82,15 @@ std::vector<MpegTags::Piece> MpegTags::piecesOf(mpeg::ByteRange range, LevelFiel
     platform::file::WindowReader reader(file_);
     const auto read = std::as_bytes(reader.at(range.offset, static_cast<std::size_t>(range.size)));
     return {{range, withoutLevels({read.begin(), read.end()})}};
+}
+
+void writeBetweenTags(const Carriage& carriage, platform::file::Replacement& file) {
+    platform::file::WindowReader reader(carriage.source);
+    const MpegTags around(carriage.source, mpeg::findTags(reader), carriage.levels);
+    around.writeLeading(file);
+    file.copyFrom(carriage.encoded, 0,
+                  static_cast<std::int64_t>(std::filesystem::file_size(carriage.encoded)));
+    around.writeTrailing(file);
 }
 
 }  // namespace audio::tags

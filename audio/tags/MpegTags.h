@@ -7,6 +7,8 @@
 #include <vector>
 
 #include "audio/mpeg/read/FrameIndex.h"
+#include "audio/mpeg/read/TagRanges.h"
+#include "audio/tags/Carrier.h"
 #include "audio/tags/LevelFields.h"
 #include "platform/file/Replacement.h"
 
@@ -21,6 +23,8 @@ class MpegTags {
     MpegTags(const std::filesystem::path& file, LevelFields levels);
     /// The same, where the file has been indexed already.
     MpegTags(const std::filesystem::path& file, const mpeg::FrameIndex& index, LevelFields levels);
+    /// Of a stream of another codec that is tagged in the same way.
+    MpegTags(const std::filesystem::path& file, const mpeg::TagRanges& ranges, LevelFields levels);
 
     bool empty() const { return leading_.empty() && trailing_.empty(); }
     void writeLeading(platform::file::Replacement& file) const { write(leading_, file); }
@@ -39,5 +43,8 @@ class MpegTags {
     std::vector<Piece> leading_;
     std::vector<Piece> trailing_;
 };
+
+/// Raw AAC, WavPack and TTA, which are tagged around the stream as MPEG audio is.
+void writeBetweenTags(const Carriage& carriage, platform::file::Replacement& file);
 
 }  // namespace audio::tags

@@ -114,8 +114,8 @@ void Writer::putSizesChunk() {
 }
 
 void Writer::putFmt() {
-    const std::vector<std::byte> body =
-        model_ && plan_.repeatFormat ? model_->fmt : buildFormat(plan_.format);
+    std::vector<std::byte> body = plan_.fmt;
+    if (body.empty()) body = model_ && plan_.repeatFormat ? model_->fmt : buildFormat(plan_.format);
     putHeader("fmt ", body.size());
     put(body);
     padToEven();

@@ -24,6 +24,8 @@ struct Plan {
     /// A WAVE file in whose order the chunks are written, and which makes the new file RF64 where
     /// it is RF64 itself. Empty: none. It must not change until finish().
     std::filesystem::path model;
+    /// The body of the fmt chunk, which describes `format`. Empty: the model's or a new one.
+    std::vector<std::byte> fmt;
     /// Whether the model's fmt chunk is repeated byte for byte: only where it describes `format`.
     bool repeatFormat = true;
     /// Whether the model's other chunks (all but fmt, data, fact, ds64) and what trails them are
