@@ -5,7 +5,7 @@
 
 #include <QCoreApplication>
 
-#include "effects/engine/AudioEditor.h"
+#include "effects/engine/Editor.h"
 #include "player/engine/PlayerEngine.h"
 #include "ui_frmMain.h"
 #include "widgets/MsgBox.h"
@@ -17,7 +17,7 @@ EffectsHost::EffectsHost(Parts parts) : parts_(std::move(parts)) {
     QObject::connect(list, &widgets::ListView::refilled, list, [this] { markAgain(); });
 }
 
-effects::AudioEditor& EffectsHost::editor() {
+effects::Editor& EffectsHost::editor() {
     return parts_.editor;
 }
 

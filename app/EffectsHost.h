@@ -29,7 +29,7 @@ class EffectsHost : public effects::RunnerHost {
         QWidget& window;
         Ui::frmMain& ui;
         player::PlayerEngine& engine;
-        effects::AudioEditor& editor;
+        effects::Editor& editor;
         const bool& closing;
         std::function<void()> stopPlayback;
         std::function<void()> saveStep;
@@ -38,7 +38,7 @@ class EffectsHost : public effects::RunnerHost {
 
     explicit EffectsHost(Parts parts);
 
-    effects::AudioEditor& editor() override;
+    effects::Editor& editor() override;
     int rowCount() const override;
     bool rowSelected(int row) const override;
     QString entryPath(int entry) const override;

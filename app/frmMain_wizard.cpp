@@ -2,6 +2,7 @@
 // The way into the cross-fade wizard.
 #include "app/HandoffHost.h"
 #include "app/frmMain.h"
+#include "effects/engine/AudioEditor.h"
 #include "ui_frmMain.h"
 #include "widgets/MsgBox.h"
 #include "wizard/Texts.h"
@@ -34,7 +35,7 @@ void frmMain::mnuCrossFader_Click() {
 // One that is being closed only finishes the file in hand: the next visit gets one of its own.
 wizard::frmFadeWizard2& frmMain::loadWizard() {
     if (frmFadeWizard2 && !frmFadeWizard2->isClosing()) return *frmFadeWizard2;
-    auto* form = new wizard::frmFadeWizard2;
+    auto* form = new wizard::frmFadeWizard2(std::make_unique<effects::AudioEditor>());
     connect(this, &frmMain::closed, form, &QWidget::close);
     connect(this, &QObject::destroyed, form, [form] { delete form; });
     frmFadeWizard2 = form;

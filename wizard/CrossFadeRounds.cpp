@@ -10,7 +10,7 @@
 
 namespace wizard {
 
-CrossFadeRounds::CrossFadeRounds(effects::AudioEditor& editor, Session& session, Host& host)
+CrossFadeRounds::CrossFadeRounds(effects::Editor& editor, Session& session, Host& host)
     : editor_(editor), session_(session), host_(host) {}
 
 void CrossFadeRounds::run() {

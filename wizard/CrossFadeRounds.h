@@ -3,7 +3,7 @@
 
 #include <set>
 
-#include "effects/engine/AudioEditor.h"
+#include "effects/engine/Editor.h"
 #include "wizard/Host.h"
 #include "wizard/Session.h"
 
@@ -23,7 +23,7 @@ namespace wizard {
 /// each round after the entry in hand.
 class CrossFadeRounds {
   public:
-    CrossFadeRounds(effects::AudioEditor& editor, Session& session, Host& host);
+    CrossFadeRounds(effects::Editor& editor, Session& session, Host& host);
 
     /// Both rounds, then the question about burning and the burn itself.
     void run();
@@ -39,7 +39,7 @@ class CrossFadeRounds {
     void offerBurn();
     QString result(int index) const;
 
-    effects::AudioEditor& editor_;
+    effects::Editor& editor_;
     Session& session_;
     Host& host_;
     std::set<int> cut_;  ///< entries whose head lies in its file and no longer in their track

@@ -5,7 +5,7 @@
 
 namespace wizard {
 
-void guardedSave(effects::AudioEditor& editor, const Originals& originals, const QString& path,
+void guardedSave(effects::Editor& editor, const Originals& originals, const QString& path,
                  bool selectionOnly) {
     if (originals.contains(path))
         throw platform::Error(path.toStdString() +

@@ -11,7 +11,7 @@ namespace wizard {
 
 using namespace Qt::Literals::StringLiterals;
 
-TransformationPass::TransformationPass(effects::AudioEditor& editor, Session& session, Host& host)
+TransformationPass::TransformationPass(effects::Editor& editor, Session& session, Host& host)
     : editor_(editor), session_(session), host_(host) {}
 
 void TransformationPass::run() {

@@ -5,7 +5,7 @@
 
 #include <QString>
 
-#include "effects/engine/AudioEditor.h"
+#include "effects/engine/Editor.h"
 #include "wizard/Attempts.h"
 #include "wizard/Host.h"
 #include "wizard/Session.h"
@@ -25,7 +25,7 @@ namespace wizard {
 /// the loop after the file in hand.
 class TransformationPass {
   public:
-    TransformationPass(effects::AudioEditor& editor, Session& session, Host& host);
+    TransformationPass(effects::Editor& editor, Session& session, Host& host);
 
     /// The whole run, up to its closing message or the question about burning.
     void run();
@@ -39,7 +39,7 @@ class TransformationPass {
     void fadeRange(std::int32_t start, std::int32_t end, float from, float to);
     void save(Attempts& attempt, const Options& options);
 
-    effects::AudioEditor& editor_;
+    effects::Editor& editor_;
     Session& session_;
     Host& host_;
     QString outputPath_;  ///< the last one built, which a file of no format repeats

@@ -6,7 +6,7 @@
 #include <QScopedValueRollback>
 
 #include "app/modules/modMain.h"
-#include "effects/engine/AudioEditor.h"
+#include "effects/engine/Editor.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -64,7 +64,7 @@ void BatchRunner::trim() {
     const Running busy(*this);
     const Effect& effect = effectOf(EffectId::Trim);
     BatchJob job;
-    job.effect = [&effect](AudioEditor& editor, const CallGuard& guarded) {
+    job.effect = [&effect](Editor& editor, const CallGuard& guarded) {
         EffectSettings none;
         effect.apply(editor, none, guarded);
     };
@@ -128,7 +128,7 @@ void BatchRunner::workThroughSelection(const std::function<void()>& beforeEach,
 
 void BatchRunner::workOn(int row, const BatchJob& job) {
     reason_.clear();
-    AudioEditor& editor = host_.editor();
+    Editor& editor = host_.editor();
     const QString path = host_.entryPath(row - 1);
     enter(loading);
     attempt([&] { editor.Load(path); });

@@ -14,7 +14,7 @@ namespace effects {
 struct BatchJob {
     std::function<void()> hideDialog;
     std::function<void()> readSettings;  ///< once, when the window's commands are disabled
-    std::function<void(AudioEditor&, const CallGuard&)> effect;  ///< for the file in hand
+    std::function<void(Editor&, const CallGuard&)> effect;  ///< for the file in hand
     bool deselectAtEnd = false;  ///< whether the run ends by making the selection inactive
     QString closingMessage;
     std::function<void()> unloadDialog;

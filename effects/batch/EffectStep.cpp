@@ -7,7 +7,7 @@
 #include <limits>
 
 #include "app/modules/modMain.h"
-#include "effects/engine/AudioEditor.h"
+#include "effects/engine/Editor.h"
 #include "platform/Error.h"
 
 namespace effects {
@@ -29,44 +29,44 @@ std::int32_t difference(std::int32_t from, std::int32_t what) {
     return static_cast<std::int32_t>(exact);
 }
 
-void openSelection(AudioEditor& editor, const CallGuard& guard) {
+void openSelection(Editor& editor, const CallGuard& guard) {
     guard([&] { editor.SetSelectionActive(false); });
     guard([&] { editor.SetSelectionActive(true); });
 }
 
-void amplifyMinus(AudioEditor& editor, EffectSettings& settings, const CallGuard& guard) {
+void amplifyMinus(Editor& editor, EffectSettings& settings, const CallGuard& guard) {
     selectWholeFile(editor, guard);
     settings.value = 100 - settings.value;
     guard([&] { editor.Amplify(static_cast<float>(settings.value)); });
 }
 
-void amplifyPlus(AudioEditor& editor, EffectSettings& settings, const CallGuard& guard) {
+void amplifyPlus(Editor& editor, EffectSettings& settings, const CallGuard& guard) {
     selectWholeFile(editor, guard);
     settings.value = settings.value + 100;
     guard([&] { editor.Amplify(static_cast<float>(settings.value)); });
 }
 
-void normalize(AudioEditor& editor, EffectSettings& settings, const CallGuard& guard) {
+void normalize(Editor& editor, EffectSettings& settings, const CallGuard& guard) {
     selectWholeFile(editor, guard);
     guard([&] { editor.Normalize(static_cast<float>(settings.value), true); });
 }
 
-void silenceFront(AudioEditor& editor, EffectSettings& settings, const CallGuard& guard) {
+void silenceFront(Editor& editor, EffectSettings& settings, const CallGuard& guard) {
     guard([&] { editor.SetSelectionStart(0); });
     guard([&] { editor.InsertSilence(rounded(settings.value)); });
 }
 
-void silenceEnd(AudioEditor& editor, EffectSettings& settings, const CallGuard& guard) {
+void silenceEnd(Editor& editor, EffectSettings& settings, const CallGuard& guard) {
     guard([&] { editor.SetSelectionStart(editor.GetLength()); });
     guard([&] { editor.InsertSilence(rounded(settings.value)); });
 }
 
-void trim(AudioEditor& editor, EffectSettings&, const CallGuard& guard) {
+void trim(Editor& editor, EffectSettings&, const CallGuard& guard) {
     selectWholeFile(editor, guard);
     guard([&] { editor.TrimSilence(-20, 100, 2); });
 }
 
-void fadeIn(AudioEditor& editor, EffectSettings& settings, const CallGuard& guard) {
+void fadeIn(Editor& editor, EffectSettings& settings, const CallGuard& guard) {
     openSelection(editor, guard);
     guard([&] { editor.SetSelectionStart(0); });
     guard([&] { editor.SetSelectionEnd(editor.TimeToPosition(settings.fadeMs)); });
@@ -74,7 +74,7 @@ void fadeIn(AudioEditor& editor, EffectSettings& settings, const CallGuard& guar
     guard([&] { editor.SetSelectionActive(false); });
 }
 
-void fadeOut(AudioEditor& editor, EffectSettings& settings, const CallGuard& guard) {
+void fadeOut(Editor& editor, EffectSettings& settings, const CallGuard& guard) {
     openSelection(editor, guard);
     guard([&] {
         settings.fadeOutStart =
@@ -86,7 +86,7 @@ void fadeOut(AudioEditor& editor, EffectSettings& settings, const CallGuard& gua
     guard([&] { editor.SetSelectionActive(false); });
 }
 
-void echo(AudioEditor& editor, EffectSettings& settings, const CallGuard& guard) {
+void echo(Editor& editor, EffectSettings& settings, const CallGuard& guard) {
     const EchoSettings& with = settings.echo;
     selectWholeFile(editor, guard);
     guard([&] { editor.Echo(with.time, with.depth, with.gain, with.rate, echoCutoff, echoCount); });
@@ -139,19 +139,19 @@ const Effect* effectNamed(std::string_view name) {
     return firstEffect([name](const Effect& effect) { return effect.name == name; });
 }
 
-void selectWholeFile(AudioEditor& editor, const CallGuard& guard) {
+void selectWholeFile(Editor& editor, const CallGuard& guard) {
     guard([&] { editor.SelectWholeFile(); });
 }
 
-void fadeInSelection(AudioEditor& editor, const CallGuard& guard) {
+void fadeInSelection(Editor& editor, const CallGuard& guard) {
     guard([&] { editor.Fade(0, 100); });
 }
 
-void fadeOutSelection(AudioEditor& editor, const CallGuard& guard) {
+void fadeOutSelection(Editor& editor, const CallGuard& guard) {
     guard([&] { editor.Fade(100, 0); });
 }
 
-void autoFadeInOut(AudioEditor& editor, const CallGuard& guard) {
+void autoFadeInOut(Editor& editor, const CallGuard& guard) {
     openSelection(editor, guard);
     guard([&] { editor.SetSelectionStart(0); });
     guard([&] { editor.SetSelectionEnd(rounded(editor.GetLength() / 6.0)); });

@@ -8,9 +8,9 @@
 
 namespace effects {
 
-class AudioEditor;
+class Editor;
 
-/// The settings of an echo, in the units of AudioEditor::Echo.
+/// The settings of an echo, in the units of Editor::Echo.
 struct EchoSettings {
     float time = 7;    ///< tenths of a second
     float depth = 40;  ///< percent
@@ -61,7 +61,7 @@ struct Effect {
     std::string_view name;  ///< on the command line
     std::int16_t mode;      ///< its modMain::EffectModeValue; ModeNone where it has none
     ValueRange value;
-    void (*apply)(AudioEditor&, EffectSettings&, const CallGuard&);
+    void (*apply)(Editor&, EffectSettings&, const CallGuard&);
 };
 
 /// Every effect there is, in the order in which the command line lists them.
@@ -72,12 +72,12 @@ const Effect* effectOfMode(std::int16_t mode);
 const Effect* effectNamed(std::string_view name);
 
 /// Makes the selection active from 0 to the sound's length.
-void selectWholeFile(AudioEditor& editor, const CallGuard& guard);
+void selectWholeFile(Editor& editor, const CallGuard& guard);
 
 /// Fades in over the first sixth of the sound and out over its last sixth, from and to silence.
 /// Leaves the selection inactive and saves nothing.
-void autoFadeInOut(AudioEditor& editor, const CallGuard& guard);
-void fadeInSelection(AudioEditor& editor, const CallGuard& guard);   ///< 0 % to 100 %
-void fadeOutSelection(AudioEditor& editor, const CallGuard& guard);  ///< 100 % to 0 %
+void autoFadeInOut(Editor& editor, const CallGuard& guard);
+void fadeInSelection(Editor& editor, const CallGuard& guard);   ///< 0 % to 100 %
+void fadeOutSelection(Editor& editor, const CallGuard& guard);  ///< 100 % to 0 %
 
 }  // namespace effects

@@ -7,7 +7,7 @@
 
 namespace effects {
 
-class AudioEditor;
+class Editor;
 
 /// What a batch run needs of the main window, and nothing else of it. Window thread. Rows of the
 /// list are counted from 1, entries of the playlist from 0.
@@ -15,7 +15,7 @@ class RunnerHost {
   public:
     virtual ~RunnerHost() = default;
 
-    virtual AudioEditor& editor() = 0;
+    virtual Editor& editor() = 0;
 
     // The list and its entries.
     virtual int rowCount() const = 0;

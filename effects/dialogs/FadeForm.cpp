@@ -33,11 +33,11 @@ void FadeForm::Command1_Click() {
     const auto length = fadeMilliseconds(kind_.lengths, ui_->Combo5->currentText());
     kind_.milliseconds = length.value_or(kind_.milliseconds);
     BatchJob work = job();
-    work.effect = [this](AudioEditor& editor, const CallGuard& guard) { applyFade(editor, guard); };
+    work.effect = [this](Editor& editor, const CallGuard& guard) { applyFade(editor, guard); };
     runner().run(work);
 }
 
-void FadeForm::applyFade(AudioEditor& editor, const CallGuard& guard) {
+void FadeForm::applyFade(Editor& editor, const CallGuard& guard) {
     EffectSettings settings;
     settings.fadeMs = kind_.milliseconds;
     settings.level = static_cast<float>(ui_->Slider1->value());

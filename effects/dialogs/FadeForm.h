@@ -38,7 +38,7 @@ class FadeForm : public EffectForm {
     virtual void applied(const EffectSettings&) {}
 
   private:
-    void applyFade(AudioEditor& editor, const CallGuard& guard);
+    void applyFade(Editor& editor, const CallGuard& guard);
 
     const Kind kind_;
     std::unique_ptr<Ui::FadeForm> ui_;

@@ -32,11 +32,11 @@ void frmEcho_Effects::showValue(QSlider* slider, QLabel* label) {
 
 void frmEcho_Effects::Command1_Click() {
     BatchJob work = job();
-    work.effect = [this](AudioEditor& editor, const CallGuard& guard) { applyEcho(editor, guard); };
+    work.effect = [this](Editor& editor, const CallGuard& guard) { applyEcho(editor, guard); };
     runner().run(work);
 }
 
-void frmEcho_Effects::applyEcho(AudioEditor& editor, const CallGuard& guard) {
+void frmEcho_Effects::applyEcho(Editor& editor, const CallGuard& guard) {
     modMain::EffectValue = ui_->Slider1->value();
     EffectSettings settings;
     settings.echo.time = static_cast<float>(ui_->Slider5->value());

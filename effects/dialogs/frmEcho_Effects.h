@@ -27,7 +27,7 @@ class frmEcho_Effects : public EffectForm {
   private:
     void Form_Load();
     void showValue(QSlider* slider, QLabel* label);
-    void applyEcho(AudioEditor& editor, const CallGuard& guard);
+    void applyEcho(Editor& editor, const CallGuard& guard);
 
     std::unique_ptr<Ui::frmEcho_Effects> ui_;
 };

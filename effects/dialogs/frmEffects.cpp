@@ -18,7 +18,7 @@ namespace {
 constexpr std::chrono::milliseconds topInterval{250};
 
 // The amplify effects write their value back: the next file of the run gets it.
-void applyChosenMode(AudioEditor& editor, const CallGuard& guard) {
+void applyChosenMode(Editor& editor, const CallGuard& guard) {
     const Effect* effect = effectOfMode(modMain::EffectMode);
     if (!effect) return;
     EffectSettings settings;

@@ -118,7 +118,7 @@ void AudioEditor::Impl::save(const QString& path, const EditList& list) {
     savedOver = savedOver || report.overSource;
 }
 
-AudioEditor::AudioEditor(QObject* parent) : QObject(parent), impl_(std::make_shared<Impl>(this)) {}
+AudioEditor::AudioEditor(QObject* parent) : Editor(parent), impl_(std::make_shared<Impl>(this)) {}
 
 AudioEditor::~AudioEditor() {
     impl_->close();

@@ -9,15 +9,14 @@
 #include <QStringList>
 
 #include "effects/batch/BatchRunner.h"
-#include "effects/engine/AudioEditor.h"
-#include "tests/wizard/FakeEditor.h"
+#include "tests/support/FakeEditor.h"
 
 namespace support {
 
 /// A window that writes down what a run asks of it, into the same list as the engine's calls.
 class RecordingRunnerHost : public effects::RunnerHost {
   public:
-    effects::AudioEditor& editor() override { return editor_; }
+    effects::Editor& editor() override { return engine; }
     int rowCount() const override { return rows; }
     bool rowSelected(int row) const override { return selected.contains(row); }
     QString entryPath(int entry) const override {
@@ -62,10 +61,9 @@ class RecordingRunnerHost : public effects::RunnerHost {
     }
     bool closing() const override { return closed; }
 
-    static QStringList& calls() { return FakeEditor::instance().calls; }
-    static void log(const char* what) { calls() << QString::fromUtf8(what); }
-    static void log(const char* what, int number) {
-        calls() << QStringLiteral("%1 %2").arg(QString::fromUtf8(what)).arg(number);
+    void log(const char* what) { engine.calls << QString::fromUtf8(what); }
+    void log(const char* what, int number) {
+        engine.calls << QStringLiteral("%1 %2").arg(QString::fromUtf8(what)).arg(number);
     }
 
     effects::BatchRunner* runner = nullptr;
@@ -78,9 +76,7 @@ class RecordingRunnerHost : public effects::RunnerHost {
     bool stopFails = false;
     bool closed = false;
     std::function<void()> onYield;
-
-  private:
-    effects::AudioEditor editor_;
+    FakeEditor engine;
 };
 
 }  // namespace support

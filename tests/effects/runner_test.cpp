@@ -8,7 +8,6 @@
 #include "tests/effects/RecordingHost.h"
 
 using namespace Qt::Literals::StringLiterals;
-using support::FakeEditor;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::Not;
@@ -18,27 +17,26 @@ namespace {
 class Runner : public testing::Test {
   protected:
     Runner() {
-        FakeEditor::reset();
         host.runner = &runner;
         modMain::EffectMode = modMain::ModeNormalize;
         modMain::SelectedCount = 0;
-        job.hideDialog = [] { log(u"hide dialog"_s); };
-        job.unloadDialog = [] { log(u"unload dialog"_s); };
-        job.effect = [](effects::AudioEditor& editor, const effects::CallGuard& guard) {
+        job.hideDialog = [this] { log(u"hide dialog"_s); };
+        job.unloadDialog = [this] { log(u"unload dialog"_s); };
+        job.effect = [](effects::Editor& editor, const effects::CallGuard& guard) {
             guard([&] { editor.Amplify(55); });
         };
         job.closingMessage = u"Done."_s;
     }
 
-    static void log(const QString& what) { FakeEditor::instance().calls << what; }
-    static QStringList calls() { return FakeEditor::instance().calls; }
-    static QStringList calls(const QString& beginning) { return calls().filter(beginning); }
+    void log(const QString& what) { host.engine.calls << what; }
+    QStringList calls() const { return host.engine.calls; }
+    QStringList calls(const QString& beginning) const { return calls().filter(beginning); }
     void list(int rows, std::set<int> selected) {
         host.rows = rows;
         host.selected = std::move(selected);
     }
-    static void failAt(const QString& part) {
-        FakeEditor::instance().fails = [part](const QString& call) { return call.contains(part); };
+    void failAt(const QString& part) {
+        host.engine.fails = [part](const QString& call) { return call.contains(part); };
     }
 
     support::RecordingRunnerHost host;
@@ -48,7 +46,7 @@ class Runner : public testing::Test {
 
 TEST_F(Runner, TakesItsStepsInOrder) {
     list(3, {2});
-    job.readSettings = [] { log(u"read settings"_s); };
+    job.readSettings = [this] { log(u"read settings"_s); };
     job.deselectAtEnd = true;
     runner.run(job);
     const QStringList expected{u"stop"_s,
@@ -126,7 +124,7 @@ TEST_F(Runner, NeverCountsTheLastRowButWorksOnIt) {
 
 TEST_F(Runner, GoesOnAfterEveryError) {
     list(2, {1, 2});
-    FakeEditor::instance().fails = [](const QString&) { return true; };
+    host.engine.fails = [](const QString&) { return true; };
     host.stopFails = true;
     runner.run(job);
     EXPECT_EQ(calls(u"Amplify"_s).size(), 2);
@@ -138,7 +136,7 @@ TEST_F(Runner, GoesOnAfterEveryError) {
 
 TEST_F(Runner, MarksAFailedRowWithTheFirstReason) {
     list(2, {1, 2});
-    FakeEditor::instance().fails = [](const QString& call) {
+    host.engine.fails = [](const QString& call) {
         return call.startsWith(u"Load(/music/1"_s) || call.startsWith(u"Save(/music/1"_s);
     };
     runner.run(job);
@@ -157,14 +155,14 @@ TEST_F(Runner, TheNextRunTakesTheMarksAway) {
     failAt(u"Save"_s);
     runner.run(job);
     EXPECT_EQ(host.marks.size(), 1);
-    FakeEditor::instance().fails = nullptr;
+    host.engine.fails = nullptr;
     runner.trim();
     EXPECT_TRUE(host.marks.isEmpty());
 }
 
 TEST_F(Runner, EndsAfterTheFileInHandWhenTheWindowIsClosed) {
     list(3, {1, 2, 3});
-    FakeEditor::instance().during = [this](const QString& call) {
+    host.engine.during = [this](const QString& call) {
         if (call.startsWith(u"Amplify"_s)) host.closed = true;
     };
     runner.run(job);
@@ -188,7 +186,7 @@ TEST_F(Runner, CannotBeStartedFromWithinItself) {
 
 TEST_F(Runner, ProgressMovesTheBarWithinTheFileAndYields) {
     list(1, {1});
-    FakeEditor::instance().during = [this](const QString&) { runner.progress(50); };
+    host.engine.during = [this](const QString&) { runner.progress(50); };
     runner.run(job);
     ASSERT_GE(host.fractions.size(), 6U);
     EXPECT_TRUE(std::is_sorted(host.fractions.begin(), host.fractions.end()));

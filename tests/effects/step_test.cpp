@@ -6,27 +6,23 @@
 
 #include "app/modules/modMain.h"
 #include "effects/batch/EffectStep.h"
-#include "effects/engine/AudioEditor.h"
 #include "platform/Error.h"
-#include "tests/wizard/FakeEditor.h"
+#include "tests/support/FakeEditor.h"
 
 using namespace Qt::Literals::StringLiterals;
 using effects::EffectId;
-using support::FakeEditor;
 
 namespace {
 
 class Step : public testing::Test {
   protected:
-    Step() { FakeEditor::reset(); }
-
     QStringList apply(EffectId id) {
-        FakeEditor::instance().calls.clear();
+        editor.calls.clear();
         effects::effectOf(id).apply(editor, settings, effects::callStrictly);
-        return FakeEditor::instance().calls;
+        return editor.calls;
     }
 
-    effects::AudioEditor editor;
+    support::FakeEditor editor;
     effects::EffectSettings settings;
 };
 
@@ -88,7 +84,7 @@ TEST_F(Step, FadeOutMayBeginBeforeTheSound) {
 }
 
 TEST_F(Step, FadeOutChecksItsSubtraction) {
-    FakeEditor::instance().length = std::numeric_limits<std::int32_t>::max();
+    editor.length = std::numeric_limits<std::int32_t>::max();
     settings.fadeMs = -50000;  // the one way to leave 32 bits
     EXPECT_THROW(apply(EffectId::FadeOut), platform::Error);
     EXPECT_EQ(settings.fadeOutStart, 0);
@@ -105,9 +101,9 @@ TEST_F(Step, TrimPassesItsFixedThree) {
 }
 
 TEST_F(Step, AutomaticFadeTakesTheFirstAndTheLastSixthRoundedToEven) {
-    FakeEditor::instance().length = 15;  // a sixth is 2.5, the last one begins at 12.5
+    editor.length = 15;  // a sixth is 2.5, the last one begins at 12.5
     effects::autoFadeInOut(editor, effects::callStrictly);
-    EXPECT_EQ(FakeEditor::instance().calls,
+    EXPECT_EQ(editor.calls,
               (QStringList{u"SetSelectionActive(false)"_s, u"SetSelectionActive(true)"_s,
                            u"SetSelectionStart(0)"_s, u"SetSelectionEnd(2)"_s, u"Fade(0, 100)"_s,
                            u"SetSelectionActive(false)"_s, u"SetSelectionActive(true)"_s,

@@ -11,6 +11,7 @@
 #include <QPointer>
 #include <gtest/gtest.h>
 
+#include "effects/engine/AudioEditor.h"
 #include "tests/support/Answers.h"
 #include "tests/support/Gui.h"
 #include "tests/support/TempFolder.h"
@@ -22,7 +23,7 @@ namespace support {
 class WizardWindow : public testing::Test {
   protected:
     void SetUp() override {
-        window = new wizard::frmFadeWizard2;
+        window = new wizard::frmFadeWizard2(std::make_unique<effects::AudioEditor>());
         ASSERT_TRUE(activate(*window));
     }
     void TearDown() override {

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/TempFolder.h"
-#include "tests/wizard/FakeEditor.h"
+#include "tests/support/FakeEditor.h"
 #include "tests/wizard/RecordingHost.h"
 #include "wizard/Texts.h"
 #include "wizard/TransformationPass.h"
@@ -14,18 +14,15 @@ namespace {
 
 class PassTest : public testing::Test {
   protected:
-    void SetUp() override { support::FakeEditor::reset(); }
-
     void addFiles(int count) {
         for (int n = 1; n <= count; ++n) session.addFile(u"/in/Song%1.mp3"_s.arg(n));
     }
     QStringList run() {
         wizard::TransformationPass(editor, session, host).run();
-        return fake.calls;
+        return editor.calls;
     }
 
-    support::FakeEditor& fake = support::FakeEditor::instance();
-    effects::AudioEditor editor;
+    support::FakeEditor editor;
     wizard::Session session;
     support::RecordingHost host;
 };
@@ -82,14 +79,14 @@ TEST_F(PassTest, NormalizesAt100WhateverWasChosenInTheWindow) {
     host.chosen.normalize = true;
     session.settings.flan_val = 60;  // where the window puts the chosen value
     run();
-    EXPECT_EQ(fake.calls.count(u"Normalize(100, true)"_s), 2);
+    EXPECT_EQ(editor.calls.count(u"Normalize(100, true)"_s), 2);
 }
 
 TEST_F(PassTest, FadeOutWithoutALengthStartsThirtySecondsBeforeTheEnd) {
     addFiles(1);
     host.chosen.fadeOut = true;
     run();
-    EXPECT_TRUE(fake.calls.contains(u"SetSelectionStart(-882000)"_s));  // the sound has ten seconds
+    EXPECT_TRUE(editor.calls.contains(u"SetSelectionStart(-882000)"_s));  // the sound has ten seconds
     EXPECT_EQ(session.settings.fadeOutMs, 30000);
 }
 
@@ -101,10 +98,10 @@ TEST_F(PassTest, WritesMp3WithRateBitRateAndChannels) {
     host.chosen.channels = u"Mono"_s;
     host.chosen.tags = wizard::TagChoice::Strip;
     run();
-    EXPECT_TRUE(fake.calls.contains(u"SetOutputFormatMp3(11025, 192, 1)"_s));
-    EXPECT_TRUE(fake.calls.contains(u"Save(/out/Song1.mp3, false, 0)"_s));
-    EXPECT_EQ(fake.calls.lastIndexOf(u"SetKeepTags(false)"_s),
-              fake.calls.indexOf(u"SetKeepTags(true)"_s) + 1);
+    EXPECT_TRUE(editor.calls.contains(u"SetOutputFormatMp3(11025, 192, 1)"_s));
+    EXPECT_TRUE(editor.calls.contains(u"Save(/out/Song1.mp3, false, 0)"_s));
+    EXPECT_EQ(editor.calls.lastIndexOf(u"SetKeepTags(false)"_s),
+              editor.calls.indexOf(u"SetKeepTags(true)"_s) + 1);
 }
 
 TEST_F(PassTest, CutsThreeCharactersOfAnyName) {
@@ -136,18 +133,18 @@ TEST_F(PassTest, AnUnknownFormatWritesNothingAndListsTheLastPath) {
     addFiles(1);
     host.chosen.format = u"AU"_s;
     run();
-    EXPECT_TRUE(fake.calls.filter(u"Save"_s).isEmpty());
+    EXPECT_TRUE(editor.calls.filter(u"Save"_s).isEmpty());
     EXPECT_EQ(session.List1.rowCount(), 1);
 }
 
 TEST_F(PassTest, StopInFileThreeOfTenEndsAfterIt) {
     addFiles(10);
-    fake.during = [&](const QString& call) {
+    editor.during = [&](const QString& call) {
         if (call == u"Load(/in/Song3.mp3)"_s) session.stop();
     };
     run();
     EXPECT_EQ(session.List1.stringList().last(), u"/out/Song3.wav"_s);
-    EXPECT_TRUE(fake.calls.contains(u"Save(/out/Song3.wav, false, 0)"_s));
+    EXPECT_TRUE(editor.calls.contains(u"Save(/out/Song3.wav, false, 0)"_s));
     EXPECT_EQ(session.List1.rowCount(), 3);
     EXPECT_EQ(host.completed, 1);
     EXPECT_EQ(session.settings.i_count, 0);
@@ -156,20 +153,20 @@ TEST_F(PassTest, StopInFileThreeOfTenEndsAfterIt) {
 TEST_F(PassTest, StopStillLeadsToTheRounds) {
     addFiles(3);
     host.chosen.crossFade = true;
-    fake.during = [&](const QString& call) {
+    editor.during = [&](const QString& call) {
         if (call == u"Load(/in/Song2.mp3)"_s) session.stop();
     };
     run();
     EXPECT_EQ(session.List1.rowCount(), 2);
     EXPECT_EQ(host.burnQuestions, 1);
     EXPECT_EQ(host.completed, 0);
-    EXPECT_TRUE(fake.calls.contains(u"MixFile(/out/1_Song2.wav, 100, 100)"_s));
+    EXPECT_TRUE(editor.calls.contains(u"MixFile(/out/1_Song2.wav, 100, 100)"_s));
 }
 
 TEST_F(PassTest, TakesInFilesThatAreAddedMeanwhile) {
     addFiles(1);
     bool added = false;
-    fake.during = [&](const QString&) {
+    editor.during = [&](const QString&) {
         if (!std::exchange(added, true)) session.addFile(u"/in/Late.ogg"_s);
     };
     run();
@@ -178,7 +175,7 @@ TEST_F(PassTest, TakesInFilesThatAreAddedMeanwhile) {
 
 TEST_F(PassTest, SurvivesAListThatIsClearedMeanwhile) {
     addFiles(4);
-    fake.during = [&](const QString& call) {
+    editor.during = [&](const QString& call) {
         if (call.startsWith(u"Load"_s)) session.lstFiles.setStringList({});
     };
     run();
@@ -188,7 +185,7 @@ TEST_F(PassTest, SurvivesAListThatIsClearedMeanwhile) {
 TEST_F(PassTest, AFailingFileIsPassedOverAndListedAllTheSame) {
     addFiles(3);
     host.chosen.trimSilence = true;
-    fake.fails = [](const QString& call) {
+    editor.fails = [](const QString& call) {
         static bool loaded = true;
         if (call.startsWith(u"Load"_s)) loaded = !call.contains(u"Song2"_s);
         return !loaded && !call.startsWith(u"Set"_s) && !call.startsWith(u"Close"_s);
@@ -196,7 +193,7 @@ TEST_F(PassTest, AFailingFileIsPassedOverAndListedAllTheSame) {
     run();
     EXPECT_EQ(session.List1.rowCount(), 3);
     EXPECT_EQ(host.failures, QStringList{u"Load(/in/Song2.mp3) failed."_s});
-    EXPECT_TRUE(fake.calls.contains(u"Save(/out/Song3.wav, false, 0)"_s));
+    EXPECT_TRUE(editor.calls.contains(u"Save(/out/Song3.wav, false, 0)"_s));
     EXPECT_EQ(host.completed, 1);
 }
 
@@ -215,7 +212,7 @@ TEST_F(PassTest, ShowsItsProgress) {
 TEST_F(PassTest, AWindowThatGoesAwayEndsItInSilence) {
     addFiles(3);
     host.chosen.crossFade = true;
-    fake.during = [&](const QString& call) {
+    editor.during = [&](const QString& call) {
         if (!call.startsWith(u"Load"_s)) return;
         host.closed = true;
         session.stop();
@@ -255,7 +252,7 @@ TEST_F(OriginalsTest, AnotherEndingIsNoDanger) {
     session.addFile(make(u"Song.mp3"_s));
     host.chosen.targetPath = folder.file({});
     run();
-    EXPECT_TRUE(fake.calls.contains(u"Save(%1, false, 0)"_s.arg(folder.file(u"Song.wav"_s))));
+    EXPECT_TRUE(editor.calls.contains(u"Save(%1, false, 0)"_s.arg(folder.file(u"Song.wav"_s))));
 }
 
 TEST_F(OriginalsTest, AHeadFileNeverReplacesAnOriginal) {
@@ -264,8 +261,8 @@ TEST_F(OriginalsTest, AHeadFileNeverReplacesAnOriginal) {
     host.chosen.targetPath = folder.file({});
     host.chosen.hasPrefix = host.chosen.crossFade = true;  // every result is named "wav"
     run();
-    EXPECT_TRUE(fake.calls.contains(u"Save(%1, false, 0)"_s.arg(folder.file(u"wav"_s))));
-    EXPECT_TRUE(fake.calls.filter(u"1_wav, true"_s).isEmpty());
+    EXPECT_TRUE(editor.calls.contains(u"Save(%1, false, 0)"_s.arg(folder.file(u"wav"_s))));
+    EXPECT_TRUE(editor.calls.filter(u"1_wav, true"_s).isEmpty());
     EXPECT_FALSE(host.failures.isEmpty());
 }
 

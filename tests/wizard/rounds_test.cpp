@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/wizard/FakeEditor.h"
+#include "tests/support/FakeEditor.h"
 #include "tests/wizard/RecordingHost.h"
 #include "wizard/CrossFadeRounds.h"
 
@@ -13,16 +13,13 @@ namespace {
 
 class RoundsTest : public testing::Test {
   protected:
-    void SetUp() override { support::FakeEditor::reset(); }
-
     QStringList run(const QStringList& results) {
         session.List1.setStringList(results);
         wizard::CrossFadeRounds(editor, session, host).run();
-        return fake.calls;
+        return editor.calls;
     }
 
-    support::FakeEditor& fake = support::FakeEditor::instance();
-    effects::AudioEditor editor;
+    support::FakeEditor editor;
     wizard::Session session;
     support::RecordingHost host;
 };
@@ -56,11 +53,11 @@ TEST_F(RoundsTest, CallsTheEngineInTheFixedOrder) {
 TEST_F(RoundsTest, OverlapsThreeTracksByTwentySecondsUnlessTold) {
     run(Three);
     EXPECT_EQ(session.settings.crossfade_value, 20000);
-    EXPECT_EQ(fake.calls.filter(u"Save"_s),
+    EXPECT_EQ(editor.calls.filter(u"Save"_s),
               (QStringList{u"Save(/out/1_B.wav, true, 0)"_s, u"Save(/out/B.wav, false, 0)"_s,
                            u"Save(/out/2_C.wav, true, 0)"_s, u"Save(/out/C.wav, false, 0)"_s,
                            u"Save(/out/A.wav, false, 0)"_s, u"Save(/out/B.wav, false, 0)"_s}));
-    EXPECT_EQ(fake.calls.filter(u"MixFile"_s), (QStringList{u"MixFile(/out/1_B.wav, 100, 100)"_s,
+    EXPECT_EQ(editor.calls.filter(u"MixFile"_s), (QStringList{u"MixFile(/out/1_B.wav, 100, 100)"_s,
                                                             u"MixFile(/out/2_C.wav, 100, 100)"_s}));
     EXPECT_EQ(host.selectedResults, (QList<int>{1, 2, 0, 1}));
     EXPECT_TRUE(host.resultsShown);
@@ -79,50 +76,50 @@ TEST_F(RoundsTest, ASingleEntryRunsNeitherLoopButIsOfferedForBurning) {
 TEST_F(RoundsTest, AnOverlapLongerThanTheTrackStartsBeforeIt) {
     session.settings.crossfade_value = 50000;
     run({u"/out/A.wav"_s, u"/out/B.wav"_s});
-    EXPECT_TRUE(fake.calls.contains(u"SetSelectionStart(-1764000)"_s));
-    EXPECT_EQ(fake.calls.last(), u"SetSelectionActive(false)"_s);
+    EXPECT_TRUE(editor.calls.contains(u"SetSelectionStart(-1764000)"_s));
+    EXPECT_EQ(editor.calls.last(), u"SetSelectionActive(false)"_s);
 }
 
 TEST_F(RoundsTest, AStartThatIsNoPositionEndsTheRound) {
-    fake.length = std::numeric_limits<std::int32_t>::min() + 5;
+    editor.length = std::numeric_limits<std::int32_t>::min() + 5;
     run(Three);
-    EXPECT_TRUE(fake.calls.filter(u"MixFile"_s).isEmpty());
-    EXPECT_FALSE(fake.calls.contains(u"Save(/out/A.wav, false, 0)"_s));
+    EXPECT_TRUE(editor.calls.filter(u"MixFile"_s).isEmpty());
+    EXPECT_FALSE(editor.calls.contains(u"Save(/out/A.wav, false, 0)"_s));
     EXPECT_EQ(host.burnQuestions, 1);
 }
 
 TEST_F(RoundsTest, AMissingHeadFileLeavesTheTrackAsItIs) {
-    fake.fails = [](const QString& call) { return call.startsWith(u"MixFile(/out/1_B"_s); };
+    editor.fails = [](const QString& call) { return call.startsWith(u"MixFile(/out/1_B"_s); };
     run(Three);
-    EXPECT_TRUE(fake.calls.contains(u"Save(/out/A.wav, false, 0)"_s));
-    EXPECT_TRUE(fake.calls.contains(u"MixFile(/out/2_C.wav, 100, 100)"_s));
+    EXPECT_TRUE(editor.calls.contains(u"Save(/out/A.wav, false, 0)"_s));
+    EXPECT_TRUE(editor.calls.contains(u"MixFile(/out/2_C.wav, 100, 100)"_s));
 }
 
 TEST_F(RoundsTest, AHeadThatCouldNotBeWrittenStaysOnItsTrack) {
-    fake.fails = [](const QString& call) { return call == u"Save(/out/1_B.wav, true, 0)"_s; };
+    editor.fails = [](const QString& call) { return call == u"Save(/out/1_B.wav, true, 0)"_s; };
     run(Three);
-    EXPECT_EQ(fake.calls.count(u"DeleteSelection()"_s), 1);  // C's alone
-    EXPECT_FALSE(fake.calls.contains(u"MixFile(/out/1_B.wav, 100, 100)"_s));
-    EXPECT_TRUE(fake.calls.contains(u"MixFile(/out/2_C.wav, 100, 100)"_s));
+    EXPECT_EQ(editor.calls.count(u"DeleteSelection()"_s), 1);  // C's alone
+    EXPECT_FALSE(editor.calls.contains(u"MixFile(/out/1_B.wav, 100, 100)"_s));
+    EXPECT_TRUE(editor.calls.contains(u"MixFile(/out/2_C.wav, 100, 100)"_s));
     EXPECT_EQ(host.failures.size(), 1);
 }
 
 TEST_F(RoundsTest, AHeadIsNotHeardTwiceWhenItsTrackCouldNotBeCut) {
-    fake.fails = [](const QString& call) { return call == u"Save(/out/B.wav, false, 0)"_s; };
+    editor.fails = [](const QString& call) { return call == u"Save(/out/B.wav, false, 0)"_s; };
     run(Three);
-    EXPECT_FALSE(fake.calls.contains(u"MixFile(/out/1_B.wav, 100, 100)"_s));
+    EXPECT_FALSE(editor.calls.contains(u"MixFile(/out/1_B.wav, 100, 100)"_s));
 }
 
 TEST_F(RoundsTest, StopEndsARoundAfterTheEntryInHand) {
     session.lstFiles.setStringList(Three);
-    fake.during = [&](const QString& call) {
+    editor.during = [&](const QString& call) {
         if (call == u"Load(/out/B.wav)"_s) session.stop();
     };
     run(Three);
-    EXPECT_FALSE(fake.calls.contains(u"Load(/out/C.wav)"_s));
-    EXPECT_TRUE(fake.calls.contains(u"Save(/out/1_B.wav, true, 0)"_s));
+    EXPECT_FALSE(editor.calls.contains(u"Load(/out/C.wav)"_s));
+    EXPECT_TRUE(editor.calls.contains(u"Save(/out/1_B.wav, true, 0)"_s));
     // C kept its head: an old head file of the same name is not mixed over B.
-    EXPECT_EQ(fake.calls.filter(u"MixFile"_s), QStringList{u"MixFile(/out/1_B.wav, 100, 100)"_s});
+    EXPECT_EQ(editor.calls.filter(u"MixFile"_s), QStringList{u"MixFile(/out/1_B.wav, 100, 100)"_s});
 }
 
 TEST_F(RoundsTest, NoWritesNoBurnList) {
@@ -139,12 +136,12 @@ TEST_F(RoundsTest, YesHandsTheChangedTracksOverInOrder) {
 }
 
 TEST_F(RoundsTest, AWindowThatGoesAwayIsAskedNothing) {
-    fake.during = [&](const QString& call) {
+    editor.during = [&](const QString& call) {
         if (call.startsWith(u"DeleteSelection"_s)) host.closed = true;
     };
     run(Three);
     EXPECT_EQ(host.burnQuestions, 0);
-    EXPECT_TRUE(fake.calls.filter(u"MixFile"_s).isEmpty());
+    EXPECT_TRUE(editor.calls.filter(u"MixFile"_s).isEmpty());
 }
 
 }  // namespace

@@ -9,7 +9,7 @@
 #include <QDesktopServices>
 #include <QTimer>
 
-#include "effects/engine/AudioEditor.h"
+#include "effects/engine/Editor.h"
 #include "platform/Paths.h"
 #include "ui_frmFadeWizard2.h"
 #include "widgets/CommonDialog.h"
@@ -33,13 +33,15 @@ void keepPlaceWhenHidden(QWidget* widget) {
 
 }  // namespace
 
-frmFadeWizard2::frmFadeWizard2(QWidget* parent)
+frmFadeWizard2::frmFadeWizard2(std::unique_ptr<effects::Editor> editor, QWidget* parent)
     : QMainWindow(parent),
       openPage([](const QUrl& page) { QDesktopServices::openUrl(page); }),
       ui_(std::make_unique<Ui::frmFadeWizard2>()),
-      AudioEditor1(widgets::named<effects::AudioEditor>(u"AudioEditor1"_s, this)),
+      AudioEditor1(editor.release()),
       CommonDialog1(widgets::named<widgets::CommonDialog>(u"CommonDialog1"_s, this)),
       Timer1(widgets::named<QTimer>(u"Timer1"_s, this)) {
+    AudioEditor1->setParent(this);
+    AudioEditor1->setObjectName(u"AudioEditor1"_s);
     ui_->setupUi(this);
     preview_ = new MixPreview(ui_->timelinePane);
     ui_->timelineLayout->addWidget(preview_);
@@ -86,7 +88,7 @@ void frmFadeWizard2::connectControls() {
     connect(ui_->mnuSupport, &QAction::triggered, this, &frmFadeWizard2::openSupportPage);
     connect(ui_->Combo1, &QComboBox::currentTextChanged, this, &frmFadeWizard2::Combo1_Click);
     connect(Timer1, &QTimer::timeout, this, &frmFadeWizard2::Timer1_Timer);
-    connect(AudioEditor1, &effects::AudioEditor::Progress, this,
+    connect(AudioEditor1, &effects::Editor::Progress, this,
             &frmFadeWizard2::AudioEditor1_Progress);
     const auto& files = session_.lstFiles;
     connect(&files, &QAbstractItemModel::dataChanged, this, &frmFadeWizard2::updatePreview);

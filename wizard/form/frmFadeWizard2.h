@@ -22,7 +22,7 @@ class frmFadeWizard2;
 }
 
 namespace effects {
-class AudioEditor;
+class Editor;
 }
 
 namespace widgets {
@@ -42,7 +42,8 @@ class MixPreview;
 class frmFadeWizard2 : public QMainWindow, private Host {
     Q_OBJECT
   public:
-    explicit frmFadeWizard2(QWidget* parent = nullptr);
+    /// The engine that does the work becomes the window's own.
+    explicit frmFadeWizard2(std::unique_ptr<effects::Editor> editor, QWidget* parent = nullptr);
     ~frmFadeWizard2() override;
 
     /// Adds a file of the playlist to lstFiles.
@@ -120,7 +121,7 @@ class frmFadeWizard2 : public QMainWindow, private Host {
 
     std::unique_ptr<Ui::frmFadeWizard2> ui_;
     Session session_;
-    effects::AudioEditor* AudioEditor1;
+    effects::Editor* AudioEditor1;
     widgets::CommonDialog* CommonDialog1;
     QTimer* Timer1;
     MixPreview* preview_;

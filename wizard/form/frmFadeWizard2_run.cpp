@@ -3,7 +3,7 @@
 #include <QCheckBox>
 #include <QScopeGuard>
 
-#include "effects/engine/AudioEditor.h"
+#include "effects/engine/Editor.h"
 #include "handoff/HandoffFiles.h"
 #include "platform/Paths.h"
 #include "platform/StartProgram.h"
