@@ -8,7 +8,7 @@
 #include <QFileInfo>
 
 #include "cli/Report.h"
-#include "player/engine/ListReader.h"
+#include "lists/ListReader.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -36,7 +36,7 @@ QStringList namedFiles(const std::vector<std::string>& arguments, Report& report
             continue;
         }
         try {
-            for (const player::ListedEntry& entry : player::readListFile(path)) files += entry.path;
+            for (const lists::ListedEntry& entry : lists::readListFile(path)) files += entry.path;
         } catch (const std::exception& error) {
             report.failed(path, QString::fromUtf8(error.what()));
         }

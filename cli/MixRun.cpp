@@ -10,7 +10,7 @@
 
 #include "cli/Report.h"
 #include "effects/engine/AudioEditor.h"
-#include "handoff/LineFile.h"
+#include "lists/LineFile.h"
 #include "platform/Interrupt.h"
 #include "wizard/Host.h"
 #include "wizard/Naming.h"
@@ -64,7 +64,7 @@ class ReportingHost : public wizard::Host {
         }
         QJsonObject fields{{u"mix"_s, QJsonArray::fromStringList(tracks)}};
         if (!run_.burnList.isEmpty()) {
-            handoff::writeLines(run_.burnList, tracks);
+            lists::writeLines(run_.burnList, tracks);
             fields[u"burnList"_s] = run_.burnList;
         }
         report_.line(summary(tracks.size()), fields);

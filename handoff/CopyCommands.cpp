@@ -6,7 +6,7 @@
 
 #include "handoff/CopyFiles.h"
 #include "handoff/Host.h"
-#include "handoff/LineFile.h"
+#include "lists/LineFile.h"
 #include "platform/Paths.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -37,7 +37,7 @@ bool copyEntries(Host& host, const QString& target,
 }
 
 bool copyWithList(Host& host, const QString& target) {
-    LineFile list(target + projectListName);
+    lists::LineFile list(target + projectListName);
     return copyEntries(host, target,
                        [&](const QString& name) { list.writeLine(projectListLine(name)); });
 }

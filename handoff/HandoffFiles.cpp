@@ -3,7 +3,7 @@
 
 #include <filesystem>
 
-#include "handoff/LineFile.h"
+#include "lists/LineFile.h"
 #include "platform/Paths.h"
 
 namespace handoff {
@@ -35,7 +35,7 @@ void createWorkingFolder() noexcept {
 }
 
 void writeBurnList(const QStringList& paths) {
-    writeLines(burnListFile(), paths);
+    lists::writeLines(burnListFile(), paths);
 }
 
 }  // namespace handoff

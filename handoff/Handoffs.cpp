@@ -10,7 +10,7 @@
 #include "handoff/HandoffFiles.h"
 #include "handoff/Host.h"
 #include "handoff/LaunchCompanion.h"
-#include "handoff/LineFile.h"
+#include "lists/LineFile.h"
 #include "platform/ResumeNext.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -56,7 +56,7 @@ void countSelected(Host& host) {
     host.setBarMaximum(modMain::SelectedCount + 1);
 }
 
-void writeSelectedMp3s(Host& host, std::optional<LineFile>& file) {
+void writeSelectedMp3s(Host& host, std::optional<lists::LineFile>& file) {
     const int rows = host.rowCount();
     for (int row = 1; row <= rows; ++row) {
         if (!host.rowSelected(row)) continue;
@@ -91,7 +91,7 @@ void openInEditor(Host& host) {
     if (row == 0) return;
     const QString path = host.entryPath(row - 1);
     {
-        LineFile file(editorFile());
+        lists::LineFile file(editorFile());
         createWorkingFolder();
         platform::resumeNext([&] { file.writeLine(path); });
     }
@@ -117,7 +117,7 @@ void DataCdHandoff(Host& host, std::int16_t player) {
 void TagHandoff(Host& host) {
     {
         createWorkingFolder();
-        std::optional<LineFile> file;
+        std::optional<lists::LineFile> file;
         platform::resumeNext([&] { file.emplace(tagFile()); });
         countSelected(host);
         writeSelectedMp3s(host, file);

@@ -1,16 +1,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "handoff/RenameCommand.h"
 
+#include <exception>
 #include <filesystem>
+#include <optional>
 #include <vector>
 
 #include <QFile>
 
 #include "app/modules/modPath.h"
 #include "handoff/Host.h"
-#include "handoff/ReplaceListLine.h"
+#include "lists/ListText.h"
+#include "lists/Names.h"
 #include "platform/Error.h"
 #include "platform/Paths.h"
+#include "platform/ResumeNext.h"
 #include "platform/file/Move.h"
 #include "platform/file/Rename.h"
 #include "platform/file/Replacement.h"
@@ -45,8 +49,7 @@ QByteArray readWhole(const QString& path) {
         const QByteArray bytes = file.readAll();
         if (file.error() == QFile::NoError) return bytes;
     }
-    throw platform::Error("The playlist “" + path.toStdString() +
-                          "” could not be read: " + file.errorString().toStdString() + ".");
+    throw platform::Error(file.errorString().toStdString());
 }
 
 void removePlaylist(const QString& path) {
@@ -64,17 +67,52 @@ void refuseAsScratch(const std::filesystem::path& scratch, const QString& needed
                               "” has the name of the file it is revised through.");
 }
 
-void revisePlaylist(const QString& playlist, const QString& folder, const QString& oldPath,
-                    const QString& newPath) {
+lists::ListText readPlaylist(const QString& path) {
+    const QString folder = modPath::GetPathPart(path);
+    try {
+        return lists::ListText(readWhole(path), [&folder](const QString& line) {
+            return lists::isFile(lists::resolveListed(line, folder, lists::isFile));
+        });
+    } catch (const platform::Error& reason) {
+        throw platform::Error("The playlist “" + path.toStdString() +
+                              "” could not be read: " + reason.what() + ".");
+    }
+}
+
+/// The list as it will be, made before anything is renamed: a name that the list cannot hold is
+/// refused then. Nothing where the list cannot be read, which is an error only once its turn comes.
+std::optional<QByteArray> revisedInAdvance(const QString& playlist, const QString& oldPath,
+                                           const QString& newPath) {
+    std::optional<lists::ListText> list;
+    platform::resumeNext([&] { list = readPlaylist(playlist); });
+    if (!list) return std::nullopt;
+    list->replaceLine(oldPath, newPath);
+    return list->bytes();
+}
+
+void revisePlaylist(const QString& playlist, const QString& folder,
+                    const std::optional<QByteArray>& inAdvance, const QString& newPath) {
     const std::filesystem::path scratch = platform::toPath(folder + u"mytemp.dat"_s);
     refuseAsScratch(scratch, playlist);
     refuseAsScratch(scratch, newPath);
-    const QByteArray revised = replaceListLine(readWhole(playlist), oldPath, newPath);
+    const QByteArray revised = inAdvance ? *inAdvance : readPlaylist(playlist).bytes();
     platform::file::Replacement file(scratch);
     file.write(revised.constData(), static_cast<std::size_t>(revised.size()));
     file.commit();
     removePlaylist(playlist);
     platform::file::move(scratch, platform::toPath(playlist));
+}
+
+/// Takes a step that comes after the renaming; its error says what is done already.
+template <class Step>
+void afterRenaming(const SelectedFile& file, const QString& newPath, Step&& step) {
+    try {
+        step();
+    } catch (const std::exception& error) {
+        throw platform::Error("“" + file.path.toStdString() + "” was renamed to “" +
+                              newPath.toStdString() +
+                              "”, but its playlist was not revised: " + error.what());
+    }
 }
 
 bool isListWithFile(const QString& caption) {
@@ -85,13 +123,12 @@ void renameTo(Host& host, const SelectedFile& file, const QString& name) {
     const QString folder = modPath::GetPathPart(file.path);
     const QString newPath = folder + name + file.path.right(4);
     host.showMessage(file.path + u"    "_s + newPath);
-    platform::file::rename(platform::toPath(file.path), platform::toPath(newPath));
     const QString caption = host.playlistCaption();
-    if (!isListWithFile(caption)) {
-        host.setTitleCell(file.row, name);
-        return;
-    }
-    revisePlaylist(caption, folder, file.path, newPath);
+    const bool hasList = isListWithFile(caption);
+    const auto revised = hasList ? revisedInAdvance(caption, file.path, newPath) : std::nullopt;
+    platform::file::rename(platform::toPath(file.path), platform::toPath(newPath));
+    if (!hasList) return host.setTitleCell(file.row, name);
+    afterRenaming(file, newPath, [&] { revisePlaylist(caption, folder, revised, newPath); });
     host.showMessage(u"The file has been renamed as: "_s + newPath +
                      u" and the playlist revised to reflect this change.\r\n\r\n"
                      u"TIP:  if this is an MP3 file it is also advisable to edit the 'Title' ID "

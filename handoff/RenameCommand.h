@@ -10,7 +10,9 @@ class Host;
 /// the playlist file that the caption names, through mytemp.dat beside the renamed file; a list
 /// without a file only shows the new name. A row that shows another file by then, because the list
 /// was loaded again meanwhile, is left out. Window thread.
-/// Error style "unhandled": throws platform::Error at the first failure, and no later step runs.
+/// Error style "unhandled": throws platform::Error at the first failure, and no later step runs. A
+/// name that the playlist file cannot hold is refused before anything is renamed; a later failure
+/// says that the file has its new name already.
 void renameSelectedFiles(Host& host);
 
 }  // namespace handoff

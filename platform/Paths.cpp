@@ -3,8 +3,9 @@
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QFile>
 #include <QStandardPaths>
+
+#include "platform/NameBytes.h"
 
 namespace platform {
 
@@ -39,7 +40,7 @@ std::filesystem::path toPath(const QString& text) {
 #ifdef Q_OS_WIN
     return std::filesystem::path(text.toStdWString());
 #else
-    return std::filesystem::path(QFile::encodeName(text).toStdString());
+    return std::filesystem::path(toNameBytes(text).toStdString());
 #endif
 }
 
@@ -47,7 +48,7 @@ QString toQString(const std::filesystem::path& path) {
 #ifdef Q_OS_WIN
     return QString::fromStdWString(path.wstring());
 #else
-    return QFile::decodeName(QByteArray::fromStdString(path.native()));
+    return fromNameBytes(QByteArray::fromStdString(path.native()));
 #endif
 }
 

@@ -8,8 +8,8 @@
 #include <QApplication>
 #include <QUrl>
 
+#include "lists/ListReader.h"
 #include "player/deck/Deck.h"
-#include "player/engine/ListReader.h"
 #include "player/engine/PlayerEngine.h"
 #include "widgets/SkinSlider.h"
 
@@ -80,7 +80,7 @@ QVariantMap MediaPlayer2Player::metadata() const {
         return controls_.engine.PlaylistGetItemInfo(0, static_cast<std::int16_t>(entry()), kind);
     };
     const QString path = about(player::ItemInfoPath);
-    const QUrl url = player::isUrl(path) ? QUrl(path) : QUrl::fromLocalFile(path);
+    const QUrl url = lists::isUrl(path) ? QUrl(path) : QUrl::fromLocalFile(path);
     const QString title = about(player::ItemInfoTitle);
     data[u"xesam:title"_s] = title.isEmpty() ? about(player::ItemInfoName) : title;
     data[u"xesam:url"_s] = QString::fromLatin1(url.toEncoded());

@@ -10,9 +10,9 @@
 
 #include "audio/tags/TrackInfo.h"
 #include "cli/Session.h"
+#include "lists/ListReader.h"
+#include "lists/ListWriter.h"
 #include "platform/Paths.h"
-#include "player/engine/ListReader.h"
-#include "player/engine/ListWriter.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -35,34 +35,33 @@ std::string refuseOtherExtensions(const std::string& path) {
 }
 
 /// What the list says of a file, and where it says nothing, what the file does.
-player::Entry complete(const player::ListedEntry& listed) {
+player::Entry complete(const lists::ListedEntry& listed) {
     player::Entry entry;
     entry.path = listed.path;
     entry.title = listed.title;
     entry.durationMs = listed.durationMs;
-    if (player::isUrl(entry.path) || (!entry.title.isEmpty() && entry.durationMs >= 0))
-        return entry;
+    if (lists::isUrl(entry.path) || (!entry.title.isEmpty() && entry.durationMs >= 0)) return entry;
     const audio::tags::TrackInfo info = audio::tags::readTrackInfo(platform::toPath(entry.path));
     if (entry.title.isEmpty()) entry.title = QString::fromStdString(info.title);
     if (entry.durationMs < 0) entry.durationMs = info.durationMs;
     return entry;
 }
 
-QByteArray written(const std::vector<player::ListedEntry>& listed, bool asPls) {
+QByteArray written(const std::vector<lists::ListedEntry>& listed, bool asPls) {
     std::vector<player::Entry> entries;
-    for (const player::ListedEntry& entry : listed) {
+    for (const lists::ListedEntry& entry : listed) {
         entries.emplace_back();
         entries.back().path = entry.path;
         if (asPls) entries.back() = complete(entry);
     }
-    return asPls ? player::writePls(entries) : player::writeM3u(entries);
+    return asPls ? lists::writePls(entries) : lists::writeM3u(entries);
 }
 
 void convertList(const ConvertArguments& arguments, Session& session) {
     const QString from = QFileInfo(QString::fromStdString(arguments.from)).absoluteFilePath();
     const QString to = QFileInfo(QString::fromStdString(arguments.to)).absoluteFilePath();
     const bool asPls = extensionOf(arguments.to) == u"pls"_s;
-    player::replaceListFile(to, written(player::readListFile(from), asPls));
+    lists::replaceListFile(to, written(lists::readListFile(from), asPls));
     session.report().done(from, to);
 }
 

@@ -13,12 +13,12 @@
 
 #include "cli/Session.h"
 #include "handoff/CopyFiles.h"
-#include "handoff/LineFile.h"
 #include "handoff/PickedFolder.h"
+#include "lists/LineFile.h"
+#include "lists/ListReader.h"
 #include "platform/Error.h"
 #include "platform/Interrupt.h"
 #include "platform/Paths.h"
-#include "player/engine/ListReader.h"
 
 namespace cli {
 namespace {
@@ -46,11 +46,11 @@ void copyOne(const handoff::CopyItem& item, const QString& target, std::size_t n
     report.done(item.source, target + item.name);
 }
 
-void copyAll(const std::vector<player::ListedEntry>& entries, const QString& target,
-             std::optional<handoff::LineFile>& list, Report& report) {
+void copyAll(const std::vector<lists::ListedEntry>& entries, const QString& target,
+             std::optional<lists::LineFile>& list, Report& report) {
     std::size_t number = 0;
-    for (const player::ListedEntry& entry : entries) {
-        const handoff::CopyItem item{entry.path, player::nameOf(entry.path)};
+    for (const lists::ListedEntry& entry : entries) {
+        const handoff::CopyItem item{entry.path, lists::nameOf(entry.path)};
         try {
             copyOne(item, target, number++, report);
             if (list) list->writeLine(handoff::projectListLine(item.name));
@@ -73,9 +73,9 @@ QString newListFor(const QString& copied, const QString& target) {
 
 void copy(const CopyArguments& arguments, Session& session) {
     const QString copied = QString::fromStdString(arguments.list);
-    const auto entries = player::readListFile(copied);
+    const auto entries = lists::readListFile(copied);
     const QString target = targetOf(arguments);
-    std::optional<handoff::LineFile> list;
+    std::optional<lists::LineFile> list;
     if (!arguments.player) list.emplace(newListFor(copied, target));
     Report& report = session.report();
     report.begin(entries.size());

@@ -13,8 +13,8 @@
 #include "audio/tags/TrackInfo.h"
 #include "cli/Inputs.h"
 #include "cli/Session.h"
+#include "lists/ListReader.h"
 #include "platform/Paths.h"
-#include "player/engine/ListReader.h"
 #include "player/engine/PlaylistStore.h"
 #include "playlist/Totals.h"
 
@@ -34,14 +34,14 @@ Row rowOf(const QString& path, int number) {
     const audio::tags::TrackInfo info = audio::tags::readTrackInfo(platform::toPath(path));
     const QString title = QString::fromStdString(info.title);
     return {QString::number(number), player::formatDuration(info.durationMs),
-            title.isEmpty() ? player::nameOf(path) : title, path};
+            title.isEmpty() ? lists::nameOf(path) : title, path};
 }
 
 // What keeps the entry from being played; empty where nothing does. A file whose duration could be
 // read is not opened for it.
 QString reasonAgainst(const QString& path, const Row& row) {
     namespace fs = std::filesystem;
-    if (player::isUrl(path) || !row.duration.isEmpty()) return {};
+    if (lists::isUrl(path) || !row.duration.isEmpty()) return {};
     std::error_code error;
     const fs::file_status status = fs::status(platform::toPath(path), error);
     if (status.type() == fs::file_type::not_found) return path + u" is missing."_s;

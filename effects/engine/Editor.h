@@ -56,7 +56,8 @@ class Editor : public QObject {
     virtual void InsertSilence(std::int32_t milliseconds) = 0;
     /// Delay = time × 100 ms, depth, gain and rate in percent, cutoff in Hz, count repeats; see
     /// audio::dsp::Echo. The length stays: the tail is cut at the selection's end.
-    virtual void Echo(float time, float depth, float gain, float rate, float cutoff, std::int32_t count) = 0;
+    virtual void Echo(float time, float depth, float gain, float rate, float cutoff,
+                      std::int32_t count) = 0;
     /// Cuts what is silent at the ends of the range: windows whose loudness lies more than
     /// |threshold| LU below the range's own. mode 2 = both ends, 1 = the start, 0 = nothing.
     virtual void TrimSilence(float threshold, float windowMs, std::int32_t mode) = 0;
@@ -68,9 +69,11 @@ class Editor : public QObject {
     // For the saves that follow, until CloseSound.
 
     /// PCM of 8 (unsigned) or 16 bits.
-    virtual void SetOutputFormatWav(std::int32_t rate, std::int32_t channels, std::int32_t bits) = 0;
+    virtual void SetOutputFormatWav(std::int32_t rate, std::int32_t channels,
+                                    std::int32_t bits) = 0;
     /// The nearest that MP3 has to what is asked.
-    virtual void SetOutputFormatMp3(std::int32_t rate, std::int32_t kbps, std::int32_t channels) = 0;
+    virtual void SetOutputFormatMp3(std::int32_t rate, std::int32_t kbps,
+                                    std::int32_t channels) = 0;
     /// Whether a save carries the metadata. True at every Load.
     virtual void SetKeepTags(bool keep) = 0;
 

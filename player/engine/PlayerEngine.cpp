@@ -12,8 +12,8 @@
 #include "audio/dsp/Spectrum.h"
 #include "audio/output/OutputKeeper.h"
 #include "audio/output/SdlOutput.h"
+#include "lists/ListReader.h"
 #include "platform/Error.h"
-#include "player/engine/ListReader.h"
 #include "player/engine/Mixer.h"
 #include "player/engine/PeaksReader.h"
 #include "player/engine/PlaylistStore.h"
@@ -35,7 +35,8 @@ bool isPlayer(int player) {
 /// An engine that opens no URL, whatever it is put together from.
 OpenSound localOnly(OpenSound open) {
     return [open = std::move(open)](const QString& path) {
-        if (isUrl(path)) throw platform::Error("\"" + path.toStdString() + "\" is no local file.");
+        if (lists::isUrl(path))
+            throw platform::Error("\"" + path.toStdString() + "\" is no local file.");
         return open(path);
     };
 }

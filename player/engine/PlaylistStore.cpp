@@ -7,9 +7,9 @@
 #include <QElapsedTimer>
 #include <QFileInfo>
 
+#include "lists/ListReader.h"
+#include "lists/ListWriter.h"
 #include "platform/Error.h"
-#include "player/engine/ListReader.h"
-#include "player/engine/ListWriter.h"
 #include "player/engine/PlayerEngine.h"
 
 namespace player {
@@ -22,12 +22,14 @@ constexpr int kPortionMs = 4;  // of the window thread's time, then other events
 constexpr int kPauseMs = 8;
 constexpr std::size_t kPortion = 64;
 
+static_assert(lists::maxEntries == kMaxEntries);
+
 platform::Error tooMany() {
     return platform::Error("A playlist holds at most " + std::to_string(kMaxEntries) + " entries.");
 }
 
 QString entryPath(const QString& path) {
-    if (isUrl(path) || isWindowsPath(path)) return path;
+    if (lists::isUrl(path) || lists::isWindowsPath(path)) return path;
     return QDir::toNativeSeparators(QFileInfo(path).absoluteFilePath());
 }
 
@@ -47,7 +49,7 @@ PlaylistStore::PlaylistStore(QObject* parent)
 
 void PlaylistStore::load(int player, const QString& path, bool replace) {
     std::vector<Entry> entries;
-    for (ListedEntry& listed : readListFile(path))
+    for (lists::ListedEntry& listed : lists::readListFile(path))
         entries.push_back({0, std::move(listed.path), std::move(listed.title), listed.durationMs});
     Playlist& target = list(player);
     if (replace) reader_.drop(player);
@@ -57,8 +59,11 @@ void PlaylistStore::load(int player, const QString& path, bool replace) {
 }
 
 void PlaylistStore::save(int player, const QString& path, int format) const {
-    const std::vector<Entry> entries = list(player).entries();
-    replaceListFile(path, format == FormatPls ? writePls(entries) : writeM3u(entries));
+    std::vector<lists::ListedEntry> entries;
+    for (const Entry& entry : list(player).entries())
+        entries.push_back({entry.path, entry.title, entry.durationMs});
+    lists::replaceListFile(
+        path, format == FormatPls ? lists::writePls(entries) : lists::writeM3u(entries));
 }
 
 void PlaylistStore::insert(int player, const QStringList& paths, int index) {
@@ -75,7 +80,7 @@ QString PlaylistStore::info(int player, int index, int kind) const {
         case ItemInfoPath:
             return entry->path;
         case ItemInfoName:
-            return nameOf(entry->path);
+            return lists::nameOf(entry->path);
         case ItemInfoTitle:
             return entry->title;
         case ItemInfoDuration:
@@ -103,7 +108,7 @@ void PlaylistStore::readAgain(const QString& path) {
 void PlaylistStore::readInfo(int player, const std::vector<Entry>& entries, bool first) {
     std::vector<ItemInfoReader::Item> items;
     for (const Entry& entry : entries)
-        if (!isUrl(entry.path)) items.push_back({player, entry.id, entry.path});
+        if (!lists::isUrl(entry.path)) items.push_back({player, entry.id, entry.path});
     if (items.empty()) return;
     reader_.wait(reader_.request(items, first), kWaitForInfo);
     // What came in time is in the list when the call returns: the caller shows it without an event.

@@ -5,16 +5,16 @@
 #include <cstdint>
 #include <cstdlib>
 
+#include "lists/ListReader.h"
+#include "lists/ListWriter.h"
 #include "platform/Error.h"
-#include "player/engine/ListReader.h"
-#include "player/engine/ListWriter.h"
 
 namespace {
 
-using player::ListedEntry;
+using lists::ListedEntry;
 
 std::vector<ListedEntry> read(const QByteArray& bytes) {
-    return player::readList(bytes, QStringLiteral("/lists"), [](const QString& path) {
+    return lists::readList(bytes, QStringLiteral("/lists"), [](const QString& path) {
         return path.size() % 3 == 0;  // some files are there, some are not
     });
 }
@@ -25,7 +25,7 @@ bool sameAgain(const std::vector<ListedEntry>& entries) {
         list.push_back({0, entry.path, entry.title, entry.durationMs});
     QByteArray bytes;
     try {
-        bytes = player::writePls(list);
+        bytes = lists::writePls(list);
     } catch (const platform::Error&) {
         return true;  // a name that no list can hold
     }

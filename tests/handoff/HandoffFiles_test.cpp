@@ -4,7 +4,7 @@
 #include <gmock/gmock.h>
 
 #include "handoff/CopyFiles.h"
-#include "handoff/LineFile.h"
+#include "lists/LineFile.h"
 #include "platform/Paths.h"
 #include "tests/platform/file/FileTools.h"
 #include "tests/support/TempFolder.h"
@@ -42,16 +42,16 @@ TEST(HandoffFiles, TheWorkingFolderMayExist) {
 
 TEST(LineFile, WhatIsWrittenIsThereAtOnce) {
     const support::TempFolder folder;
-    handoff::LineFile file(folder.file(u"list"_s));
+    lists::LineFile file(folder.file(u"list"_s));
     file.writeLine(u"one"_s);
     EXPECT_EQ(readFile(folder / "list"), "one\r\n");
 }
 
 TEST(LineFile, ErrorsNameTheFileAndTheReason) {
     const support::TempFolder folder;
-    EXPECT_THAT(errorOf([&] { handoff::LineFile file(folder.file(u"none/list"_s)); }),
+    EXPECT_THAT(errorOf([&] { lists::LineFile file(folder.file(u"none/list"_s)); }),
                 testing::AllOf(HasSubstr("none/list"), HasSubstr("No such file")));
-    handoff::LineFile full(u"/dev/full"_s);
+    lists::LineFile full(u"/dev/full"_s);
     EXPECT_THAT(errorOf([&] { full.writeLine(u"one"_s); }),
                 testing::AllOf(HasSubstr("/dev/full"), HasSubstr("No space")));
 }
@@ -59,7 +59,7 @@ TEST(LineFile, ErrorsNameTheFileAndTheReason) {
 // A line that cannot be written as it is stays out; it never becomes another one.
 TEST(LineFile, TextWithoutAFormIsAnError) {
     const support::TempFolder folder;
-    handoff::LineFile file(folder.file(u"list"_s));
+    lists::LineFile file(folder.file(u"list"_s));
     EXPECT_THAT(errorOf([&] { file.writeLine(u"a"_s + QChar(0xDC00)); }), HasSubstr("list"));
     EXPECT_THAT(errorOf([&] { file.writeLine(u"two\nlines"_s); }), HasSubstr("two"));
     EXPECT_EQ(readFile(folder / "list"), "");

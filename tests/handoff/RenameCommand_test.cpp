@@ -230,3 +230,43 @@ TEST_F(RenameCommand, TheScratchFileNeverEatsTheRenamedFile) {
     EXPECT_EQ(readFile(folder / "music/mytemp.dat"), "sound");
     EXPECT_EQ(readFile(folder / "list.m3u"), utf8(u"music/song.dat"_s) + "\n");
 }
+
+// A list of another narrow encoding is revised in that encoding, and its other lines stay.
+TEST_F(RenameCommand, AListInWindows1251IsRevised) {
+    writeFile(folder / "music/Песня.mp3", "sound");
+    const std::string music = utf8(u"music/"_s);
+    openList(music + "\xCF\xE5\xF1\xED\xFF.mp3\n" + music + "one.mp3\n");
+    ASSERT_EQ(entries().value(0), at(u"music/Песня.mp3"_s));
+    select({1});
+    expectRenaming(u"Имя"_s);
+    answerMessageBox(QMessageBox::Ok);
+    run();
+    EXPECT_EQ(readFile(folder / "list.m3u"),
+              music + "\xC8\xEC\xFF.mp3\r\n" + music + "one.mp3\r\n");
+    EXPECT_EQ(entries().value(0), at(u"music/Имя.mp3"_s));
+}
+
+TEST_F(RenameCommand, ANameThatTheListCannotHoldIsRefusedBeforeTheFileIsRenamed) {
+    writeFile(folder / "music/Песня.mp3", "sound");
+    const std::string line = utf8(u"music/"_s) + "\xCF\xE5\xF1\xED\xFF.mp3\n";
+    openList(line);
+    select({1});
+    expectRenaming(u"音"_s);
+    const auto error = answerMessageBox(QMessageBox::Ok);
+    run();
+    EXPECT_TRUE(error->text.contains(u"音"_s)) << error->text.toStdString();
+    EXPECT_TRUE(fs::exists(folder / "music/Песня.mp3"));
+    EXPECT_EQ(readFile(folder / "list.m3u"), line);
+}
+
+TEST_F(RenameCommand, AnErrorAfterTheRenamingSaysWhatHasTheNewName) {
+    openThree();
+    support::find<QLabel>(window, "Label7").setText(at(u"gone.m3u"_s));
+    select({1});
+    expectRenaming(u"new"_s);
+    const auto error = answerMessageBox(QMessageBox::Ok);
+    run();
+    EXPECT_TRUE(error->text.contains(at(u"music/one.mp3"_s) + u"” was renamed to “"_s +
+                                     at(u"music/new.mp3"_s)))
+        << error->text.toStdString();
+}

@@ -22,24 +22,47 @@ class FakeEditor : public effects::Editor {
     std::function<bool(const QString& call)> fails;   ///< calls for which it throws
     std::function<void(const QString& call)> during;  ///< run within each call
 
-    void SetTemporaryFolder(const QString& folder) override { record("SetTemporaryFolder", folder); }
+    void SetTemporaryFolder(const QString& folder) override {
+        record("SetTemporaryFolder", folder);
+    }
     void Load(const QString& path) override { record("Load", path); }
     void CloseSound() noexcept override { record("CloseSound"); }
-    void Save(const QString& path, bool selectionOnly, int reserved) override { record("Save", path, selectionOnly, reserved); }
+    void Save(const QString& path, bool selectionOnly, int reserved) override {
+        record("Save", path, selectionOnly, reserved);
+    }
     void SetSelectionActive(bool active) override { record("SetSelectionActive", active); }
-    void SetSelectionStart(std::int32_t position) override { record("SetSelectionStart", position); }
+    void SetSelectionStart(std::int32_t position) override {
+        record("SetSelectionStart", position);
+    }
     void SetSelectionEnd(std::int32_t position) override { record("SetSelectionEnd", position); }
     void SelectWholeFile() override { record("SelectWholeFile"); }
-    void Fade(float startPercent, float endPercent) override { record("Fade", startPercent, endPercent); }
+    void Fade(float startPercent, float endPercent) override {
+        record("Fade", startPercent, endPercent);
+    }
     void Amplify(float percent) override { record("Amplify", percent); }
-    void Normalize(float percent, bool linkedChannels) override { record("Normalize", percent, linkedChannels); }
-    void InsertSilence(std::int32_t milliseconds) override { record("InsertSilence", milliseconds); }
-    void Echo(float time, float depth, float gain, float repeat, float cutoff, std::int32_t count) override { record("Echo", time, depth, gain, repeat, cutoff, count); }
-    void TrimSilence(float threshold, float windowMs, std::int32_t mode) override { record("TrimSilence", threshold, windowMs, mode); }
+    void Normalize(float percent, bool linkedChannels) override {
+        record("Normalize", percent, linkedChannels);
+    }
+    void InsertSilence(std::int32_t milliseconds) override {
+        record("InsertSilence", milliseconds);
+    }
+    void Echo(float time, float depth, float gain, float repeat, float cutoff,
+              std::int32_t count) override {
+        record("Echo", time, depth, gain, repeat, cutoff, count);
+    }
+    void TrimSilence(float threshold, float windowMs, std::int32_t mode) override {
+        record("TrimSilence", threshold, windowMs, mode);
+    }
     void DeleteSelection() override { record("DeleteSelection"); }
-    void MixFile(const QString& path, float soundPercent, float filePercent) override { record("MixFile", path, soundPercent, filePercent); }
-    void SetOutputFormatWav(std::int32_t hertz, std::int32_t channels, std::int32_t bits) override { record("SetOutputFormatWav", hertz, channels, bits); }
-    void SetOutputFormatMp3(std::int32_t hertz, std::int32_t kbps, std::int32_t channels) override { record("SetOutputFormatMp3", hertz, kbps, channels); }
+    void MixFile(const QString& path, float soundPercent, float filePercent) override {
+        record("MixFile", path, soundPercent, filePercent);
+    }
+    void SetOutputFormatWav(std::int32_t hertz, std::int32_t channels, std::int32_t bits) override {
+        record("SetOutputFormatWav", hertz, channels, bits);
+    }
+    void SetOutputFormatMp3(std::int32_t hertz, std::int32_t kbps, std::int32_t channels) override {
+        record("SetOutputFormatMp3", hertz, kbps, channels);
+    }
     void SetKeepTags(bool keep) override { record("SetKeepTags", keep); }
     std::int32_t GetLength() const override { return length; }
     std::int32_t TimeToPosition(std::int32_t milliseconds) const override {

@@ -2,8 +2,8 @@
 #include <QFile>
 #include <gtest/gtest.h>
 
-#include "tests/support/TempFolder.h"
 #include "tests/support/FakeEditor.h"
+#include "tests/support/TempFolder.h"
 #include "tests/wizard/RecordingHost.h"
 #include "wizard/Texts.h"
 #include "wizard/TransformationPass.h"
@@ -86,7 +86,8 @@ TEST_F(PassTest, FadeOutWithoutALengthStartsThirtySecondsBeforeTheEnd) {
     addFiles(1);
     host.chosen.fadeOut = true;
     run();
-    EXPECT_TRUE(editor.calls.contains(u"SetSelectionStart(-882000)"_s));  // the sound has ten seconds
+    EXPECT_TRUE(
+        editor.calls.contains(u"SetSelectionStart(-882000)"_s));  // the sound has ten seconds
     EXPECT_EQ(session.settings.fadeOutMs, 30000);
 }
 

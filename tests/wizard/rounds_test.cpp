@@ -57,8 +57,9 @@ TEST_F(RoundsTest, OverlapsThreeTracksByTwentySecondsUnlessTold) {
               (QStringList{u"Save(/out/1_B.wav, true, 0)"_s, u"Save(/out/B.wav, false, 0)"_s,
                            u"Save(/out/2_C.wav, true, 0)"_s, u"Save(/out/C.wav, false, 0)"_s,
                            u"Save(/out/A.wav, false, 0)"_s, u"Save(/out/B.wav, false, 0)"_s}));
-    EXPECT_EQ(editor.calls.filter(u"MixFile"_s), (QStringList{u"MixFile(/out/1_B.wav, 100, 100)"_s,
-                                                            u"MixFile(/out/2_C.wav, 100, 100)"_s}));
+    EXPECT_EQ(
+        editor.calls.filter(u"MixFile"_s),
+        (QStringList{u"MixFile(/out/1_B.wav, 100, 100)"_s, u"MixFile(/out/2_C.wav, 100, 100)"_s}));
     EXPECT_EQ(host.selectedResults, (QList<int>{1, 2, 0, 1}));
     EXPECT_TRUE(host.resultsShown);
     EXPECT_EQ(

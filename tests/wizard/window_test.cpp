@@ -397,7 +397,7 @@ TEST_F(WizardForm, ClosingIsTheEndOfItAndItsSettings) {
         settle();
         return window.isNull();
     }));
-    const wizard::frmFadeWizard2 next;
+    const wizard::frmFadeWizard2 next(std::make_unique<effects::AudioEditor>());
     EXPECT_EQ(next.settings().amp_plus, std::nullopt);
 }
 

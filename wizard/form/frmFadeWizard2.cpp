@@ -88,8 +88,7 @@ void frmFadeWizard2::connectControls() {
     connect(ui_->mnuSupport, &QAction::triggered, this, &frmFadeWizard2::openSupportPage);
     connect(ui_->Combo1, &QComboBox::currentTextChanged, this, &frmFadeWizard2::Combo1_Click);
     connect(Timer1, &QTimer::timeout, this, &frmFadeWizard2::Timer1_Timer);
-    connect(AudioEditor1, &effects::Editor::Progress, this,
-            &frmFadeWizard2::AudioEditor1_Progress);
+    connect(AudioEditor1, &effects::Editor::Progress, this, &frmFadeWizard2::AudioEditor1_Progress);
     const auto& files = session_.lstFiles;
     connect(&files, &QAbstractItemModel::dataChanged, this, &frmFadeWizard2::updatePreview);
     connect(&files, &QAbstractItemModel::rowsRemoved, this, &frmFadeWizard2::updatePreview);

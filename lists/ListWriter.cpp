@@ -1,50 +1,55 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "player/engine/ListWriter.h"
+#include "lists/ListWriter.h"
 
 #include <cmath>
+#include <optional>
 
 #include <QSaveFile>
 
+#include "lists/Encoding.h"
+#include "lists/ListText.h"
 #include "platform/Error.h"
-#include "player/engine/ListReader.h"
 
-namespace player {
+namespace lists {
 namespace {
 
-bool isWritable(const QString& text) {
-    return text.isValidUtf16() && !text.contains(QLatin1Char('\n')) &&
-           !text.contains(QLatin1Char('\r')) && !text.contains(QChar(0));
+bool isControl(QChar c) {
+    return c.unicode() < 0x20 || c.unicode() == 0x7F;
 }
 
-QByteArray pathBytes(const Entry& entry) {
-    if (!isWritable(entry.path))
+QByteArray pathBytes(const ListedEntry& entry) {
+    const std::optional<QByteArray> bytes = Encoding::utf8().encode(entry.path);
+    if (!bytes || !isLineOfText(entry.path))
         throw platform::Error("The name of the file \"" + entry.path.toStdString() +
                               "\" cannot be written into a playlist.");
-    return entry.path.toUtf8();
+    return *bytes;
 }
 
-QByteArray titleBytes(const Entry& entry) {
+// Line breaks become blanks; what else is no character of a line is left out.
+QByteArray titleBytes(const ListedEntry& entry) {
     const QString title = entry.title.isEmpty() ? nameOf(entry.path) : entry.title;
-    return title.simplified().toUtf8();
+    QString text = title.simplified();
+    text.removeIf(isControl);
+    return text.toUtf8();
 }
 
-QByteArray seconds(const Entry& entry) {
+QByteArray seconds(const ListedEntry& entry) {
     if (entry.durationMs < 0) return "-1";
     return QByteArray::number(qlonglong(std::llround(double(entry.durationMs) / 1000)));
 }
 
 }  // namespace
 
-QByteArray writeM3u(const std::vector<Entry>& entries) {
+QByteArray writeM3u(const std::vector<ListedEntry>& entries) {
     QByteArray bytes;
-    for (const Entry& entry : entries) bytes += pathBytes(entry) + "\r\n";
+    for (const ListedEntry& entry : entries) bytes += pathBytes(entry) + "\r\n";
     return bytes;
 }
 
-QByteArray writePls(const std::vector<Entry>& entries) {
+QByteArray writePls(const std::vector<ListedEntry>& entries) {
     QByteArray bytes = "[playlist]\r\n";
     int number = 0;
-    for (const Entry& entry : entries) {
+    for (const ListedEntry& entry : entries) {
         const QByteArray n = QByteArray::number(++number);
         bytes += "File" + n + "=" + pathBytes(entry) + "\r\n";
         bytes += "Title" + n + "=" + titleBytes(entry) + "\r\n";
@@ -62,4 +67,4 @@ void replaceListFile(const QString& path, const QByteArray& bytes) {
                               "\" cannot be written: " + file.errorString().toStdString() + ".");
 }
 
-}  // namespace player
+}  // namespace lists

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "handoff/LineFile.h"
+#include "lists/LineFile.h"
 
 #include <QByteArray>
-#include <QStringEncoder>
 
+#include "lists/ListText.h"
 #include "platform/Error.h"
 
-namespace handoff {
+namespace lists {
 namespace {
 
 platform::Error unwritable(const QString& path, const QString& reason) {
@@ -22,11 +22,12 @@ LineFile::LineFile(const QString& path) : file_(path) {
 }
 
 void LineFile::writeLine(const QString& text) {
-    QStringEncoder utf8(QStringEncoder::Utf8, QStringEncoder::Flag::Stateless);
-    const QByteArray line = utf8.encode(text + QStringLiteral("\r\n"));
-    if (utf8.hasError() || text.contains(QLatin1Char('\n')) || text.contains(QLatin1Char('\r')))
-        throw unwritable(file_.fileName(),
-                         QStringLiteral("“%1” cannot be put into a text file").arg(text));
+    QByteArray line;
+    try {
+        line = encodeLine(text);
+    } catch (const platform::Error& reason) {
+        throw unwritable(file_.fileName(), QString::fromUtf8(reason.what()));
+    }
     if (file_.write(line) != line.size()) throw unwritable(file_.fileName(), file_.errorString());
 }
 
@@ -35,4 +36,4 @@ void writeLines(const QString& path, const QStringList& lines) {
     for (const QString& line : lines) file.writeLine(line);
 }
 
-}  // namespace handoff
+}  // namespace lists

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "player/engine/ListReader.h"
+#include "lists/ListReader.h"
 
 #include <cstdio>
 #include <filesystem>
@@ -11,7 +11,6 @@
 #include <gtest/gtest.h>
 
 #include "platform/Error.h"
-#include "player/engine/Playlist.h"
 #include "tests/support/TempFolder.h"
 
 namespace {
@@ -23,15 +22,15 @@ class ListReader : public ::testing::Test {
   protected:
     QStringList paths(const QByteArray& bytes) {
         QStringList result;
-        for (const auto& entry : player::readList(bytes, u"/lists"_s, exists()))
+        for (const auto& entry : lists::readList(bytes, u"/lists"_s, exists()))
             result.append(entry.path);
         return result;
     }
-    player::FileExists exists() {
+    lists::FileExists exists() {
         return [this](const QString& path) { return files.contains(path); };
     }
     void expectRefused(const QByteArray& bytes) {
-        EXPECT_THROW(player::readList(bytes, u"/lists"_s, exists()), platform::Error)
+        EXPECT_THROW(lists::readList(bytes, u"/lists"_s, exists()), platform::Error)
             << bytes.toStdString();
     }
     QSet<QString> files;
@@ -110,8 +109,8 @@ TEST_F(ListReader, UrlsAndWindowsPathsStayAsTheyStand) {
     const QStringList kept{u"http://example.org:8000/live?x=a%20b"_s, u"mms://host/stream"_s,
                            u"C:\\Music\\a.mp3"_s, u"\\\\server\\share\\b.wma"_s, u"d:/c.ogg"_s};
     EXPECT_EQ(paths(kept.join(u'\n').toUtf8()), kept);
-    EXPECT_EQ(player::nameOf(kept[2]), u"a.mp3"_s);
-    EXPECT_EQ(player::nameOf(kept[3]), u"b.wma"_s);
+    EXPECT_EQ(lists::nameOf(kept[2]), u"a.mp3"_s);
+    EXPECT_EQ(lists::nameOf(kept[3]), u"b.wma"_s);
 }
 
 TEST_F(ListReader, BlanksBelongToANameIfThatIsAFile) {
@@ -126,7 +125,7 @@ TEST_F(ListReader, CommentsAreNoEntriesButAFileMayBeginLikeOne) {
 }
 
 TEST_F(ListReader, ExtInfGivesTitleAndDuration) {
-    const auto entries = player::readList(
+    const auto entries = lists::readList(
         "#EXTM3U\n#EXTINF:61 tvg-id=\"x\",Artist, The - Title\na.mp3\n#EXTINF:-1,Radio\n"
         "http://h/s\nb.mp3\n#EXTINF:nonsense\nc.mp3\n",
         u"/lists"_s, exists());
@@ -140,7 +139,7 @@ TEST_F(ListReader, ExtInfGivesTitleAndDuration) {
 }
 
 TEST_F(ListReader, PlsInAnyOrderWithGaps) {
-    const auto entries = player::readList(
+    const auto entries = lists::readList(
         "; saved by hand\r\n[Playlist]\r\nVersion=2\r\nfile10=/m/c.mp3\r\nTitle2=Second\r\n"
         "FILE2 = b.mp3\r\nLength2=125\r\nFile1=sub\\a.mp3\r\nTitle10=Tenth\r\nLength10=-1\r\n"
         "File11=\r\n[other]\r\nFile3=/m/no.mp3\r\n",
@@ -179,15 +178,15 @@ TEST_F(ListReader, AListOfNamesWithoutAudioSuffixNeedsAFileOrFullPaths) {
 
 TEST_F(ListReader, NoMoreThanAPlaylistHolds) {
     QByteArray bytes;
-    for (int i = 0; i < player::kMaxEntries; ++i) bytes += "a.mp3\n";
-    EXPECT_EQ(paths(bytes).size(), player::kMaxEntries);
+    for (int i = 0; i < lists::maxEntries; ++i) bytes += "a.mp3\n";
+    EXPECT_EQ(paths(bytes).size(), lists::maxEntries);
     expectRefused(bytes + "a.mp3\n");
 }
 
 TEST_F(ListReader, OrdinaryNamesCostNoLookAtTheDisk) {
     int looks = 0;
-    player::readList("#EXTM3U\n#EXTINF:1,a\n/m/a.mp3\nb.mp3\nsub/c.mp3\nhttp://h/x\n", u"/lists"_s,
-                     [&looks](const QString&) { return ++looks > 0; });
+    lists::readList("#EXTM3U\n#EXTINF:1,a\n/m/a.mp3\nb.mp3\nsub/c.mp3\nhttp://h/x\n", u"/lists"_s,
+                    [&looks](const QString&) { return ++looks > 0; });
     EXPECT_EQ(looks, 0);
 }
 
@@ -198,14 +197,14 @@ TEST(ListReaderFile, RefusesWithinASecondWhateverTheSize) {
     std::filesystem::resize_file(zeros, 1'000'000'000);
     QElapsedTimer timer;
     timer.start();
-    EXPECT_THROW(player::readListFile(folder.file(u"zeros.m3u"_s)), platform::Error);
-    EXPECT_THROW(player::readListFile(folder.file(u"missing.m3u"_s)), platform::Error);
-    EXPECT_THROW(player::readListFile(folder.file(QString())), platform::Error);
+    EXPECT_THROW(lists::readListFile(folder.file(u"zeros.m3u"_s)), platform::Error);
+    EXPECT_THROW(lists::readListFile(folder.file(u"missing.m3u"_s)), platform::Error);
+    EXPECT_THROW(lists::readListFile(folder.file(QString())), platform::Error);
     EXPECT_LT(timer.elapsed(), 1000);
 }
 
 TEST(ListReaderFile, APipeDoesNotBlock) {
-    EXPECT_THROW(player::readListFile(u"/dev/zero"_s), platform::Error);
+    EXPECT_THROW(lists::readListFile(u"/dev/zero"_s), platform::Error);
 }
 
 TEST(ListReaderFile, Windows1252NamesTheFilesThatAreThere) {
@@ -214,7 +213,7 @@ TEST(ListReaderFile, Windows1252NamesTheFilesThatAreThere) {
     ASSERT_TRUE(list.open(QIODevice::WriteOnly));
     list.write("caf\xE9.mp3\r\n");
     list.close();
-    const auto entries = player::readListFile(list.fileName());
+    const auto entries = lists::readListFile(list.fileName());
     ASSERT_EQ(entries.size(), 1U);
     EXPECT_EQ(entries[0].path, folder.file(u"café.mp3"_s));
 }

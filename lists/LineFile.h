@@ -5,7 +5,7 @@
 #include <QString>
 #include <QStringList>
 
-namespace handoff {
+namespace lists {
 
 /// A text file being written line by line: UTF-8, CR LF after every line, no byte-order mark. What
 /// has been written is in the file at once, not only at the end. One thread.
@@ -25,4 +25,4 @@ class LineFile {
 /// Writes a whole file of lines. Throws platform::Error.
 void writeLines(const QString& path, const QStringList& lines);
 
-}  // namespace handoff
+}  // namespace lists

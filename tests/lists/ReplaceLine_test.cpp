@@ -1,14 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "handoff/ReplaceListLine.h"
-
 #include <gmock/gmock.h>
 
+#include "lists/ListText.h"
 #include "tests/platform/file/FileTools.h"
 
 using namespace Qt::Literals::StringLiterals;
-using handoff::replaceListLine;
 
 namespace {
+
+QByteArray replaceListLine(const QByteArray& list, const QString& from, const QString& to) {
+    lists::ListText text(list, [](const QString&) { return false; });
+    text.replaceLine(from, to);
+    return text.bytes();
+}
 
 QByteArray utf16(const QString& text) {
     return QByteArray(reinterpret_cast<const char*>(text.utf16()), text.size() * 2);

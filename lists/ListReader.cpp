@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "player/engine/ListReader.h"
+#include "lists/ListReader.h"
 
 #include <algorithm>
 #include <map>
@@ -8,13 +8,11 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QUrl>
 
+#include "lists/ListText.h"
 #include "platform/Error.h"
-#include "player/engine/ListText.h"
-#include "player/engine/Playlist.h"
 
-namespace player {
+namespace lists {
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
@@ -48,60 +46,6 @@ bool isBlank(const QString& line) {
     return QStringView(line).trimmed().isEmpty() || line == QChar(0x1A);
 }
 
-QString toNative(QString name) {
-    const QChar native = QDir::separator();
-    return name.replace(native == u'/' ? u'\\' : u'/', native);
-}
-
-/// An absolute path for a name; `folder` loses its links where the name climbs out of it, since
-/// ".." means the parent of the folder behind a link.
-QString absolute(const QString& name, const QString& folder) {
-    if (isWindowsPath(name) && QDir::separator() == u'/') return name;
-    if (QDir::isAbsolutePath(name)) return name;
-    const bool climbs = name.startsWith(".."_L1) || name.contains("/.."_L1);
-    const QString canonical = climbs ? QFileInfo(folder).canonicalFilePath() : folder;
-    const QString joined = (canonical.isEmpty() ? folder : canonical) + u'/' + name;
-    const bool plain = !climbs && !name.startsWith(u'.') && !joined.contains("//"_L1) &&
-                       !joined.contains("/./"_L1);
-    return QDir::toNativeSeparators(plain ? joined : QDir::cleanPath(joined));
-}
-
-QString fromFileUri(const QString& name) {
-    QUrl url(name.trimmed());
-    if (url.host() == "localhost"_L1) url.setHost({});
-    const QString path = url.toLocalFile();
-    if (!path.isEmpty()) return QDir::toNativeSeparators(path);
-    QString rest = name.trimmed().mid(5);  // "file:a b.mp3" is no URL, but is met
-    while (rest.startsWith("//"_L1)) rest.remove(0, 1);
-    return QUrl::fromPercentEncoding(rest.toUtf8());
-}
-
-QStringList readings(const QString& name) {
-    QStringList all{name};
-    const auto add = [&all](const QString& reading) {
-        if (!reading.isEmpty() && !all.contains(reading)) all.append(reading);
-    };
-    const QString trimmed = name.trimmed();
-    add(trimmed);
-    add(toNative(trimmed));
-    if (trimmed.contains(u'%')) {
-        const QString decoded = QUrl::fromPercentEncoding(trimmed.toUtf8());
-        if (!decoded.contains(QChar(0))) {
-            add(decoded);
-            add(toNative(decoded));
-        }
-    }
-    return all;
-}
-
-/// What a name that no reading finds most likely means.
-QString likeliest(const QString& name) {
-    QString start = name;
-    while (!start.isEmpty() && start[0].isSpace()) start.remove(0, 1);
-    if (isWindowsPath(start) || start.contains(u'/')) return start;
-    return toNative(start);
-}
-
 struct Lines {
     const QStringList& lines;
     const QString& folder;
@@ -112,21 +56,11 @@ bool namesFile(const QString& name, const QString& folder, const FileExists& exi
     return exists(resolveListed(name, folder, exists));
 }
 
-/// How many of the first lines name a file, for the choice between two encodings.
-int countFiles(const QStringList& lines, const QString& folder, const FileExists& exists) {
-    int count = 0;
-    int looked = 0;
-    for (const QString& line : lines) {
-        QString name = line;
-        if (name.startsWith("file"_L1, Qt::CaseInsensitive) && name.contains(u'='))
-            name = name.mid(name.indexOf(u'=') + 1);
-        const bool ascii =
-            std::all_of(name.begin(), name.end(), [](QChar c) { return c.unicode() < 0x80; });
-        if (ascii || name.startsWith(u'#')) continue;
-        count += namesFile(name, folder, exists);
-        if (++looked == 200) break;
-    }
-    return count;
+/// What of a line may be a name; nothing of a comment with a meaning.
+QString nameIn(const QString& line) {
+    if (isDirective(line)) return {};
+    if (!line.startsWith("file"_L1, Qt::CaseInsensitive) || !line.contains(u'=')) return line;
+    return line.mid(line.indexOf(u'=') + 1);
 }
 
 bool isPls(const QStringList& lines) {
@@ -255,44 +189,15 @@ std::vector<ListedEntry> parseM3u(const Lines& list) {
 
 }  // namespace
 
-bool isUrl(const QString& name) {
-    const qsizetype end = name.indexOf("://"_L1);
-    if (end < 2 || !name[0].isLetter()) return false;
-    return std::all_of(name.begin(), name.begin() + end, [](QChar c) {
-        return c.unicode() < 0x80 && (c.isLetterOrNumber() || c == u'+' || c == u'-' || c == u'.');
-    });
-}
-
-bool isWindowsPath(const QString& name) {
-    const bool drive = name.size() >= 3 && name[0].isLetter() && name[0].unicode() < 0x80 &&
-                       name[1] == u':' && (name[2] == u'\\' || name[2] == u'/');
-    return drive || name.startsWith("\\\\"_L1);
-}
-
-QString nameOf(const QString& path) {
-    qsizetype cut = path.lastIndexOf(u'/');
-    if (QDir::separator() == u'\\' || isWindowsPath(path))
-        cut = std::max(cut, path.lastIndexOf(u'\\'));
-    return path.mid(cut + 1);
-}
-
-QString resolveListed(const QString& name, const QString& folder, const FileExists& exists) {
-    if (name.trimmed().startsWith("file:"_L1, Qt::CaseInsensitive)) {
-        const QString path = fromFileUri(name);
-        return isUrl(path) ? path : absolute(path, folder);
-    }
-    if (isUrl(name.trimmed())) return name.trimmed();
-    const QStringList all = readings(name);
-    if (all.size() > 1)
-        for (const QString& reading : all)
-            if (const QString path = absolute(reading, folder); exists(path)) return path;
-    return absolute(likeliest(name), folder);
-}
-
 std::vector<ListedEntry> readList(const QByteArray& bytes, const QString& folder,
                                   const FileExists& exists) {
-    const QStringList lines = decodeListLines(
-        bytes, [&](const QStringList& reading) { return countFiles(reading, folder, exists); });
+    const ListText text(bytes, [&](const QString& line) {
+        const QString name = nameIn(line);
+        return !name.isEmpty() && namesFile(name, folder, exists);
+    });
+    const QStringList lines = text.lines();
+    if (!std::all_of(lines.begin(), lines.end(), isLineOfText))
+        throw platform::Error("it is not text");
     if (std::all_of(lines.begin(), lines.end(), isBlank)) return {};
     const Lines list{lines, folder, exists};
     std::vector<ListedEntry> entries;
@@ -302,10 +207,10 @@ std::vector<ListedEntry> readList(const QByteArray& bytes, const QString& folder
         entries = parseM3u(list);
     else
         throw platform::Error("it is not a playlist");
-    if (entries.size() > kMaxEntries)
+    if (entries.size() > maxEntries)
         throw platform::Error("it has " + std::to_string(entries.size()) +
                               " entries, more than a playlist holds (" +
-                              std::to_string(kMaxEntries) + ")");
+                              std::to_string(maxEntries) + ")");
     return entries;
 }
 
@@ -324,11 +229,10 @@ std::vector<ListedEntry> readListFile(const QString& path) {
     if (file.error() != QFileDevice::NoError) throw fail(file.errorString().toStdString());
     if (bytes.size() > kMaxBytes) throw fail("it is too large to be a playlist");
     try {
-        return readList(bytes, info.absolutePath(),
-                        [](const QString& name) { return QFileInfo(name).isFile(); });
+        return readList(bytes, info.absolutePath(), isFile);
     } catch (const platform::Error& reason) {
         throw fail(reason.what());
     }
 }
 
-}  // namespace player
+}  // namespace lists

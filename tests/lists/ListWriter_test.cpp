@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "player/engine/ListWriter.h"
+#include "lists/ListWriter.h"
 
 #include <QDir>
 #include <QFile>
@@ -12,7 +12,7 @@
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
-using player::Entry;
+using lists::ListedEntry;
 
 QByteArray contentOf(const QString& path) {
     QFile file(path);
@@ -21,24 +21,22 @@ QByteArray contentOf(const QString& path) {
 }
 
 TEST(ListWriter, M3uIsOnePathALineAndNothingElse) {
-    EXPECT_EQ(
-        player::writeM3u({{1, u"/music/Zoë.mp3"_s, u"Title"_s, 1000}, {2, u"/b c.wav"_s, {}, -1}}),
-        "/music/Zo\xC3\xAB.mp3\r\n/b c.wav\r\n");
-    EXPECT_EQ(player::writeM3u({}), "");
+    EXPECT_EQ(lists::writeM3u({{u"/music/Zoë.mp3"_s, u"Title"_s, 1000}, {u"/b c.wav"_s, {}, -1}}),
+              "/music/Zo\xC3\xAB.mp3\r\n/b c.wav\r\n");
+    EXPECT_EQ(lists::writeM3u({}), "");
 }
 
 TEST(ListWriter, PlsHasTitlesLengthsAndAnExactCount) {
-    EXPECT_EQ(
-        player::writePls({{1, u"/a.mp3"_s, u"First\nsong"_s, 185400}, {2, u"/x/b.wav"_s, {}, -1}}),
-        "[playlist]\r\nFile1=/a.mp3\r\nTitle1=First song\r\nLength1=185\r\n"
-        "File2=/x/b.wav\r\nTitle2=b.wav\r\nLength2=-1\r\nNumberOfEntries=2\r\nVersion=2\r\n");
+    EXPECT_EQ(lists::writePls({{u"/a.mp3"_s, u"First\nsong"_s, 185400}, {u"/x/b.wav"_s, {}, -1}}),
+              "[playlist]\r\nFile1=/a.mp3\r\nTitle1=First song\r\nLength1=185\r\n"
+              "File2=/x/b.wav\r\nTitle2=b.wav\r\nLength2=-1\r\nNumberOfEntries=2\r\nVersion=2\r\n");
 }
 
 TEST(ListWriter, RefusesAPathThatNoLineHolds) {
-    const std::vector<Entry> broken{{1, u"/a\nb.mp3"_s, {}, -1}};
-    EXPECT_THROW(player::writeM3u(broken), platform::Error);
-    EXPECT_THROW(player::writePls(broken), platform::Error);
-    EXPECT_THROW(player::writeM3u({{1, u"/a"_s + QChar(0xD800), {}, -1}}), platform::Error);
+    const std::vector<ListedEntry> broken{{u"/a\nb.mp3"_s, {}, -1}};
+    EXPECT_THROW(lists::writeM3u(broken), platform::Error);
+    EXPECT_THROW(lists::writePls(broken), platform::Error);
+    EXPECT_THROW(lists::writeM3u({{u"/a"_s + QChar(0xD800), {}, -1}}), platform::Error);
 }
 
 TEST(ListWriter, KeepsTheLinkAndReplacesTheFileBehindIt) {
@@ -48,7 +46,7 @@ TEST(ListWriter, KeepsTheLinkAndReplacesTheFileBehindIt) {
     real.write("old");
     real.close();
     ASSERT_TRUE(QFile::link(folder.file(u"real.m3u"_s), folder.file(u"link.m3u"_s)));
-    player::replaceListFile(folder.file(u"link.m3u"_s), "new");
+    lists::replaceListFile(folder.file(u"link.m3u"_s), "new");
     EXPECT_TRUE(QFileInfo(folder.file(u"link.m3u"_s)).isSymLink());
     EXPECT_EQ(contentOf(folder.file(u"real.m3u"_s)), "new");
     EXPECT_EQ(QDir(folder.file(QString())).entryList(QDir::Files).size(), 2);
@@ -58,14 +56,14 @@ TEST(ListWriter, AFailureNamesTheFileAndLeavesNothingBehind) {
     const support::TempFolder folder;
     const QString target = folder.file(u"none/list.m3u"_s);
     try {
-        player::replaceListFile(target, "x");
+        lists::replaceListFile(target, "x");
         FAIL();
     } catch (const platform::Error& error) {
         EXPECT_TRUE(QString::fromUtf8(error.what()).contains(target));
     }
     // A folder of the target's name cannot be replaced by a file.
     ASSERT_TRUE(QDir().mkpath(folder.file(u"taken.m3u"_s)));
-    EXPECT_THROW(player::replaceListFile(folder.file(u"taken.m3u"_s), "x"), platform::Error);
+    EXPECT_THROW(lists::replaceListFile(folder.file(u"taken.m3u"_s), "x"), platform::Error);
     EXPECT_EQ(QDir(folder.file(QString())).entryList(QDir::Files | QDir::Hidden).size(), 0);
 }
 
