@@ -9,9 +9,9 @@
 #include <QFile>
 #include <QTimer>
 
-#include "app/EffectsHost.h"
 #include "app/Glyphs.h"
-#include "app/HandoffHost.h"
+#include "app/MainControls.h"
+#include "app/MainPorts.h"
 #include "app/Skin.h"
 #include "effects/batch/BatchRunner.h"
 #include "effects/dialogs/EffectDialogs.h"
@@ -82,8 +82,9 @@ frmMain::frmMain(QWidget* parent)
     files_ = std::make_unique<playlist::PlaylistFiles>(*PlayerEngine1, *list_, *CommonDialog1,
                                                        *ui_->Label7);
     deck_ = std::make_unique<player::Deck>(*PlayerEngine1, deckControls(*ui_));
-    handoff_ = std::make_unique<HandoffHost>(
-        HandoffHost::Parts{*this, *ui_, *PlayerEngine1, *list_, *files_, TotalMinutes, closing_});
+    ports_ = std::make_unique<MainPorts>(*this, *ui_, *PlayerEngine1, closing_);
+    loaded_ = std::make_unique<MainLoadedList>(
+        MainLoadedList::Parts{*ui_, *PlayerEngine1, *list_, *files_});
     buildEffects();
     displays_ = std::make_unique<player::Displays>(*PlayerEngine1, displayColours());
     buildMenus();

@@ -40,8 +40,9 @@ class frmFadeWizard2;
 
 namespace app {
 
-class EffectsHost;
-class HandoffHost;
+class MainControls;
+class MainLoadedList;
+struct MainPorts;
 
 /// The main window: the playlist's list view, the player deck, and the two pop-up menus from which
 /// every command starts. Its controls are those of frmMain.ui; a handler reads controls, makes one
@@ -180,8 +181,9 @@ class frmMain : public QWidget {
     std::unique_ptr<playlist::PlaylistFiles> files_;
     std::unique_ptr<player::Deck> deck_;
     std::unique_ptr<player::Displays> displays_;
-    std::unique_ptr<HandoffHost> handoff_;
-    std::unique_ptr<EffectsHost> effectsHost_;
+    std::unique_ptr<MainPorts> ports_;
+    std::unique_ptr<MainLoadedList> loaded_;
+    std::unique_ptr<MainControls> controls_;
     std::unique_ptr<effects::BatchRunner> runner_;
     std::unique_ptr<effects::EffectDialogs> dialogs_;
     QPointer<wizard::frmFadeWizard2> frmFadeWizard2;  // the visit in hand, if there is one

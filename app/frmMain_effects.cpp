@@ -2,7 +2,8 @@
 // Effects on the selected files, and the editor engine's save step.
 #include <QMenu>
 
-#include "app/EffectsHost.h"
+#include "app/MainControls.h"
+#include "app/MainPorts.h"
 #include "app/frmMain.h"
 #include "app/modules/modMain.h"
 #include "effects/dialogs/EffectDialogs.h"
@@ -40,10 +41,10 @@ bool confirmTip() {
 }  // namespace
 
 void frmMain::buildEffects() {
-    effectsHost_ = std::make_unique<EffectsHost>(EffectsHost::Parts{
-        *this, *ui_, *PlayerEngine1, *AudioEditor1, closing_, [this] { CommandStop1_Click(); },
-        [this] { Button12_Click(); }, [this](bool enabled) { dialogs_->setEnabled(enabled); }});
-    runner_ = std::make_unique<effects::BatchRunner>(*effectsHost_);
+    controls_ = std::make_unique<MainControls>(MainControls::Parts{
+        *this, *ui_, *PlayerEngine1, *AudioEditor1, [this] { CommandStop1_Click(); },
+        [this](bool enabled) { dialogs_->setEnabled(enabled); }});
+    runner_ = std::make_unique<effects::BatchRunner>(*AudioEditor1, ports_->all(), *controls_);
     dialogs_ = std::make_unique<effects::EffectDialogs>(*runner_, this);
     connect(AudioEditor1, &effects::AudioEditor::Progress, this, &frmMain::AudioEditor1_Progress);
     auto* common = new QMenu(this);

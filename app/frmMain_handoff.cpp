@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Copying, renaming, and the companion programs.
-#include "app/HandoffHost.h"
+#include "app/MainControls.h"
+#include "app/MainPorts.h"
 #include "app/frmMain.h"
 #include "handoff/CopyCommands.h"
 #include "handoff/Handoffs.h"
@@ -10,27 +11,27 @@
 namespace app {
 
 void frmMain::mnu_copy2folder_Click() {
-    handoff::copyToProjectFolder(*handoff_);
+    handoff::copyToProjectFolder(ports_->all(), *loaded_);
 }
 
 void frmMain::mnu2MP3Player_Click() {
-    handoff::copyToPlayer(*handoff_);
+    handoff::copyToPlayer(ports_->all());
 }
 
 void frmMain::mnuRename_Click() {
-    handoff::renameSelectedFiles(*handoff_);
+    handoff::renameSelectedFiles(ports_->all(), *loaded_);
 }
 
 void frmMain::mnuEdit_IDTags_selected_Click() {
-    handoff::TagHandoff(*handoff_);
+    handoff::TagHandoff(ports_->all());
 }
 
 void frmMain::mnuOpen_in_Editor_Click() {
-    handoff::openInEditor(*handoff_);
+    handoff::openInEditor(ports_->list);
 }
 
 void frmMain::mnuAudio_CDWriter_Click() {
-    handoff::audioCdWriter(*handoff_);
+    handoff::audioCdWriter(ports_->boxes, *loaded_, TotalMinutes);
 }
 
 void frmMain::mnuData_CDWriter_Click() {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The way into the cross-fade wizard.
-#include "app/HandoffHost.h"
+#include "app/MainPorts.h"
 #include "app/frmMain.h"
 #include "effects/engine/AudioEditor.h"
 #include "ui_frmMain.h"
@@ -24,8 +24,8 @@ void frmMain::mnuCrossFader_Click() {
     if (!askReady()) return;
     CommandStop1_Click();
     wizard::frmFadeWizard2& form = loadWizard();
-    for (int entry = 0; entry < handoff_->rowCount(); ++entry)
-        form.addPlaylistFile(handoff_->entryPath(entry));
+    for (int entry = 0; entry < ports_->list.rowCount(); ++entry)
+        form.addPlaylistFile(ports_->list.entryPath(entry));
     if (form.fileCount() == 0)
         widgets::msgBox(wizard::texts::NoFiles.toString());
     else

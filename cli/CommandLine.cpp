@@ -6,7 +6,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "cli/Session.h"
+#include "cli/Invocation.h"
 #include "cli/commands/ConvertList.h"
 #include "cli/commands/Copy.h"
 #include "cli/commands/Crossfade.h"
@@ -21,25 +21,25 @@ constexpr int failure = 1;
 constexpr int badUsage = 2;
 
 // Every command, in the order in which the help lists them: one add<Name>Command from commands/.
-void addCommands(CLI::App& app, Session& session) {
-    addShowCommand(app, session);
-    addEffectCommand(app, session);
-    addCopyCommand(app, session);
-    addConvertListCommand(app, session);
-    addTransformCommand(app, session);
-    addCrossfadeCommand(app, session);
+void addCommands(CLI::App& app, Invocation& invocation) {
+    addShowCommand(app, invocation);
+    addEffectCommand(app, invocation);
+    addCopyCommand(app, invocation);
+    addConvertListCommand(app, invocation);
+    addTransformCommand(app, invocation);
+    addCrossfadeCommand(app, invocation);
 }
 
 }  // namespace
 
 int runCommandLine(int argc, const char* const* argv) {
-    Session session(std::cout, std::cerr);
+    Invocation invocation(std::cout, std::cerr);
     CLI::App app("Works on playlists and sound files without a window.", "tracksmith-cli");
-    app.add_flag("--json", session.json, "One JSON object a line, for programs");
+    app.add_flag("--json", invocation.json, "One JSON object a line, for programs");
     app.set_version_flag("--version", TRACKSMITH_VERSION);
     app.require_subcommand(1);
     app.fallthrough();  // so that the shared options may stand behind the command
-    addCommands(app, session);
+    addCommands(app, invocation);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
@@ -48,7 +48,7 @@ int runCommandLine(int argc, const char* const* argv) {
         std::cerr << "tracksmith-cli: " << error.what() << '\n';
         return failure;
     }
-    return session.exitCode();
+    return invocation.exitCode();
 }
 
 }  // namespace cli

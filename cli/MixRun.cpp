@@ -12,8 +12,8 @@
 #include "effects/engine/AudioEditor.h"
 #include "lists/LineFile.h"
 #include "platform/Interrupt.h"
-#include "wizard/Host.h"
 #include "wizard/Naming.h"
+#include "wizard/RunView.h"
 #include "wizard/Session.h"
 #include "wizard/TransformationPass.h"
 
@@ -22,41 +22,46 @@ using namespace Qt::Literals::StringLiterals;
 namespace cli {
 namespace {
 
-/// The command line in the place of the wizard's window.
-class ReportingHost : public wizard::Host {
+/// Whoever started the run stops it by an interrupt.
+class Interrupt : public ports::EventPump {
   public:
-    ReportingHost(const MixRun& run, const wizard::Session& session, Report& report)
+    void yield() override {}
+    void repaint() override {}
+    bool closing() const override { return platform::interrupted(); }
+};
+
+/// The command line in the place of the wizard's window: its bar and boxes too, which ask nothing.
+class MixReport : public wizard::RunView, public ports::ProgressBar, public ports::Boxes {
+  public:
+    MixReport(const MixRun& run, const wizard::Session& session, Report& report)
         : run_(run), session_(session), report_(report) {}
 
     wizard::Options options() const override { return run_.options; }
-    bool abandoned() const override { return platform::interrupted(); }
-    void showStatus(const QString&) override {}
-    void setFileMaximum(int) override {}
     void selectFile(int index) override { begin(index, 0); }
     void selectResult(int index) override { begin(index, 1); }
     void showResults() override {}
-    void refuse(const QString& reason) override {
-        refused_ = true;
-        report_.failed(run_.options.targetPath, reason);
-    }
-    void sayCompleted() override { finished_ = true; }
-    bool askReadyToBurn() override { return true; }
+    void stepFailed(const QString& sentence) override { reportFailed(current_, sentence); }
 
-    void setEngineProgress(int percent) override {
-        fraction_ = std::max(fraction_, percent / 100.0);
+    void setShown(bool) override {}
+    void setMaximum(int) override {}
+    void setStatus(const QString&) override {}
+    // One more file is transformed; the pass ends with a last call that puts its bar back to 0.
+    void setValue(int files) override {
+        if (files > 0 && !run_.options.crossFade) reportDone(current_);
+    }
+    void setFraction(double fraction) override {
+        fraction_ = std::max(fraction_, fraction);
         report_.progress(static_cast<std::size_t>(current_), (round_ + fraction_) / rounds());
     }
 
-    // One more file is transformed; the pass ends with a last call that puts its bar back to 0.
-    void setFileProgress(int files) override {
-        if (files > 0 && !run_.options.crossFade) reportDone(current_);
-    }
-
-    void stepFailed(const QString& sentence) override { reportFailed(current_, sentence); }
+    void showMessage(const QString&) override {}
+    bool askYesNo(const QString&, const QString&) override { return true; }
+    bool warnOkCancel(const QString&, const QString&) override { return true; }
+    QString inputBox(const QString&, const QString&) override { return {}; }
+    QString browseForFolder(const QString&) override { return {}; }
 
     // Only here is a track of a mix done: until the rounds are over, any of them may still fail.
     void burn(const QStringList& results) override {
-        finished_ = true;
         QStringList tracks;
         for (qsizetype index = 0; index < results.size(); ++index) {
             reportDone(index);
@@ -79,8 +84,6 @@ class ReportingHost : public wizard::Host {
                                      : u"%1 was not begun: the run was interrupted."_s)
                                     .arg(run_.files[index]));
     }
-
-    bool finished() const { return refused_ || finished_; }
 
   private:
     double rounds() const { return run_.options.crossFade ? 2 : 1; }
@@ -115,8 +118,6 @@ class ReportingHost : public wizard::Host {
     int round_ = 0;          // 0 = the pass, 1 = a round of the cross fade
     double fraction_ = 0;
     std::set<qsizetype> failed_;
-    bool refused_ = false;
-    bool finished_ = false;
 };
 
 }  // namespace
@@ -127,16 +128,17 @@ void runMix(const MixRun& run, Report& report) {
     session.settings.fadeOutMs = run.fadeOutMs;
     session.settings.fadeInMs = run.fadeInMs;
     session.settings.crossfade_value = run.overlapMs;
-    ReportingHost host(run, session, report);
-    if (const QString reason = wizard::nameGivenTwice(run.files, run.options); !reason.isEmpty())
-        return host.refuse(reason);
-
+    MixReport view(run, session, report);
+    Interrupt events;
     effects::AudioEditor editor;
-    QObject::connect(&editor, &effects::AudioEditor::Progress,
-                     [&](int percent) { host.setEngineProgress(percent); });
+    QObject::connect(&editor, &effects::Editor::Progress,
+                     [&](int percent) { view.setFraction(percent / 100.0); });
+    wizard::TransformationPass pass(editor, session, {view, view, view, events});
+    QString reason = wizard::nameGivenTwice(run.files, run.options);
+    if (reason.isEmpty()) reason = pass.reasonAgainst();
+    if (!reason.isEmpty()) return report.failed(run.options.targetPath, reason);
     report.begin(static_cast<std::size_t>(run.files.size()));
-    wizard::TransformationPass(editor, session, host).run();
-    if (!host.finished()) host.reportInterrupt();
+    if (!pass.run()) view.reportInterrupt();
     report.end();
 }
 

@@ -5,9 +5,13 @@
 #include <functional>
 
 #include "handoff/CopyFiles.h"
-#include "handoff/Host.h"
+#include "handoff/LoadedList.h"
 #include "lists/LineFile.h"
 #include "platform/Paths.h"
+#include "ports/Boxes.h"
+#include "ports/EventPump.h"
+#include "ports/FileList.h"
+#include "ports/ProgressBar.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -16,66 +20,64 @@ namespace {
 
 /// Copies every entry and moves the bar; `copied` is called after each file. Returns false where
 /// the window was closed meanwhile.
-bool copyEntries(Host& host, const QString& target,
+bool copyEntries(const ports::Ports& ports, const QString& target,
                  const std::function<void(const QString& name)>& copied) {
-    const int rows = host.rowCount();
-    host.setBarMaximum(rows - 1);
-    host.setBarValue(0);
-    host.setBarVisible(true);
+    const int rows = ports.list.rowCount();
+    ports.bar.setMaximum(rows - 1);
+    ports.bar.setValue(0);
+    ports.bar.setShown(true);
     for (int entry = 0; entry < rows; ++entry) {
-        const CopyItem item{host.entryPath(entry), host.entryName(entry)};
-        if (!copyWhileYielding(item, target, [&](double done) { host.setFileProgress(done); }))
+        const CopyItem item{ports.list.entryPath(entry), ports.list.entryName(entry)};
+        if (!copyWhileYielding(item, target, [&](double done) { ports.bar.setFraction(1 + done); }))
             return false;
-        host.yield();
-        if (host.closing()) return false;
+        ports.events.yield();
+        if (ports.events.closing()) return false;
         copied(item.name);
-        host.setBarValue(entry);
-        host.setFileProgress(-1);
+        ports.bar.setValue(entry);
     }
-    host.yield();
+    ports.events.yield();
     return true;
 }
 
-bool copyWithList(Host& host, const QString& target) {
+bool copyWithList(const ports::Ports& ports, const QString& target) {
     lists::LineFile list(target + projectListName);
-    return copyEntries(host, target,
+    return copyEntries(ports, target,
                        [&](const QString& name) { list.writeLine(projectListLine(name)); });
 }
 
-void orFixedMessage(Host& host, const std::function<void()>& command) {
+void orFixedMessage(ports::Boxes& boxes, const std::function<void()>& command) {
     try {
         command();
     } catch (const std::exception&) {
-        host.showMessage(u"ERROR: most likely you are trying to copy file(s) to the same path."_s);
+        boxes.showMessage(u"ERROR: most likely you are trying to copy file(s) to the same path."_s);
     }
 }
 
 }  // namespace
 
-void copyToProjectFolder(Host& host) {
-    orFixedMessage(host, [&host] {
-        QString target = host.browseForFolder(u"Select target folder for project..."_s);
+void copyToProjectFolder(const ports::Ports& ports, LoadedList& loaded) {
+    orFixedMessage(ports.boxes, [&] {
+        QString target = ports.boxes.browseForFolder(u"Select target folder for project..."_s);
         if (target.isEmpty()) return;
         target += platform::nativeSeparator();
-        if (!copyWithList(host, target)) return;
-        host.clearRows();
-        host.loadPlaylist(target + projectListName);
-        host.fillPlayListView();
-        host.showMessage(
+        if (!copyWithList(ports, target)) return;
+        loaded.replaceBy(target + projectListName);
+        ports.boxes.showMessage(
             u"Playlist files have been copied to the target folder: "
             u"play-list created and reloaded."_s);
-        host.setBarVisible(false);
-        host.setPlaylistCaption(target + projectListName);
+        ports.bar.setShown(false);
+        loaded.setCaption(target + projectListName);
     });
 }
 
-void copyToPlayer(Host& host) {
-    orFixedMessage(host, [&host] {
-        const QString target = host.browseForFolder(u"Select target folder for file transfer..."_s);
+void copyToPlayer(const ports::Ports& ports) {
+    orFixedMessage(ports.boxes, [&] {
+        const QString target =
+            ports.boxes.browseForFolder(u"Select target folder for file transfer..."_s);
         if (target.isEmpty()) return;
-        if (!copyEntries(host, target, [](const QString&) {})) return;
-        host.showMessage(u"Playlist files have been copied to the target."_s);
-        host.setBarVisible(false);
+        if (!copyEntries(ports, target, [](const QString&) {})) return;
+        ports.boxes.showMessage(u"Playlist files have been copied to the target."_s);
+        ports.bar.setShown(false);
     });
 }
 

@@ -8,10 +8,14 @@
 
 #include "app/modules/modMain.h"
 #include "handoff/HandoffFiles.h"
-#include "handoff/Host.h"
 #include "handoff/LaunchCompanion.h"
+#include "handoff/LoadedList.h"
 #include "lists/LineFile.h"
 #include "platform/ResumeNext.h"
+#include "ports/Boxes.h"
+#include "ports/EventPump.h"
+#include "ports/FileList.h"
+#include "ports/ProgressBar.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -21,9 +25,9 @@ namespace {
 /// Minutes of sound that still go on an audio CD without a question.
 constexpr std::int16_t audioCdMinutes = 78;
 
-bool fitsOnAudioCd(Host& host) {
-    if (host.totalMinutes() <= audioCdMinutes) return true;
-    return host.warnOkCancel(
+bool fitsOnAudioCd(ports::Boxes& boxes, std::int16_t totalMinutes) {
+    if (totalMinutes <= audioCdMinutes) return true;
+    return boxes.warnOkCancel(
         u"You are either over, or dangerously close, to the max data\r\n"
         u"(normally 80 mins) allowed to write to an Audio CD disc.\r\n"
         u"\r\n"
@@ -31,12 +35,12 @@ bool fitsOnAudioCd(Host& host) {
         u"CAUTION!"_s);
 }
 
-void handOverPlaylist(Host& host, std::int16_t player, const QString& file,
-                      const QString& companion) {
+void handOverPlaylist(ports::Boxes& boxes, LoadedList& loaded, std::int16_t player,
+                      const QString& file, const QString& companion) {
     std::int32_t failed = 0;
-    platform::resumeNext([&] { failed = host.savePlaylistAsM3u(player, file); });
+    platform::resumeNext([&] { failed = loaded.saveAsM3u(player, file); });
     if (failed)
-        host.showMessage(u"Error saving playlist"_s);
+        boxes.showMessage(u"Error saving playlist"_s);
     else
         LaunchCompanion(companion);
 }
@@ -47,37 +51,37 @@ bool isMp3(const QString& path) {
 }
 
 /// Row 0, which there is not, counts as selected; the last row is not looked at.
-void countSelected(Host& host) {
+void countSelected(const ports::Ports& ports) {
     int count = modMain::SelectedCount;
-    for (int row = 0; row < host.rowCount(); ++row)
-        if (row == 0 || host.rowSelected(row)) ++count;
+    for (int row = 0; row < ports.list.rowCount(); ++row)
+        if (row == 0 || ports.list.rowSelected(row)) ++count;
     constexpr int most = std::numeric_limits<std::int16_t>::max();
     modMain::SelectedCount = static_cast<std::int16_t>(std::min(count, most));
-    host.setBarMaximum(modMain::SelectedCount + 1);
+    ports.bar.setMaximum(modMain::SelectedCount + 1);
 }
 
-void writeSelectedMp3s(Host& host, std::optional<lists::LineFile>& file) {
-    const int rows = host.rowCount();
+void writeSelectedMp3s(const ports::Ports& ports, std::optional<lists::LineFile>& file) {
+    const int rows = ports.list.rowCount();
     for (int row = 1; row <= rows; ++row) {
-        if (!host.rowSelected(row)) continue;
-        host.yield();
-        const QString path = host.entryPath(row - 1);
+        if (!ports.list.rowSelected(row)) continue;
+        ports.events.yield();
+        const QString path = ports.list.entryPath(row - 1);
         if (file && isMp3(path)) platform::resumeNext([&] { file->writeLine(path); });
     }
 }
 
-int firstSelectedRow(const Host& host) {
-    for (int row = 1; row <= host.rowCount(); ++row)
-        if (host.rowSelected(row)) return row;
+int firstSelectedRow(const ports::FileList& list) {
+    for (int row = 1; row <= list.rowCount(); ++row)
+        if (list.rowSelected(row)) return row;
     return 0;
 }
 
 }  // namespace
 
-void audioCdWriter(Host& host) {
-    if (host.askYesNo(u"What to auto insert the loaded files (playlist) into the Audio Writer?"_s,
-                      u"What do you want to do?"_s))
-        AudioCdHandoff(host, 0);
+void audioCdWriter(ports::Boxes& boxes, LoadedList& loaded, std::int16_t totalMinutes) {
+    if (boxes.askYesNo(u"What to auto insert the loaded files (playlist) into the Audio Writer?"_s,
+                       u"What do you want to do?"_s))
+        AudioCdHandoff(boxes, loaded, totalMinutes, 0);
     else
         LaunchCompanion(u"\\Fornax\\Fornax_Audio.EXE"_s);
 }
@@ -86,10 +90,10 @@ void dataCdWriter() {
     LaunchCompanion(u"\\Fornax\\Fornax_Data.EXE"_s);
 }
 
-void openInEditor(Host& host) {
-    const int row = firstSelectedRow(host);
+void openInEditor(const ports::FileList& list) {
+    const int row = firstSelectedRow(list);
     if (row == 0) return;
-    const QString path = host.entryPath(row - 1);
+    const QString path = list.entryPath(row - 1);
     {
         lists::LineFile file(editorFile());
         createWorkingFolder();
@@ -98,29 +102,31 @@ void openInEditor(Host& host) {
     LaunchCompanion(u"\\Zolvo.exe"_s);
 }
 
-void AudioCdHandoff(Host& host, std::int16_t player) {
-    if (!fitsOnAudioCd(host)) return;
-    handOverPlaylist(host, player, burnListFile(), u"\\Fornax\\Fornax_Shelf.exe"_s);
+void AudioCdHandoff(ports::Boxes& boxes, LoadedList& loaded, std::int16_t totalMinutes,
+                    std::int16_t player) {
+    if (!fitsOnAudioCd(boxes, totalMinutes)) return;
+    handOverPlaylist(boxes, loaded, player, burnListFile(), u"\\Fornax\\Fornax_Shelf.exe"_s);
 }
 
-void AudioCdDiscHandoff(Host& host, std::int16_t player) {
-    if (!fitsOnAudioCd(host)) return;
+void AudioCdDiscHandoff(ports::Boxes& boxes, LoadedList& loaded, std::int16_t totalMinutes,
+                        std::int16_t player) {
+    if (!fitsOnAudioCd(boxes, totalMinutes)) return;
     createWorkingFolder();
-    handOverPlaylist(host, player, burnFile(), u"\\Fornax\\Fornax_Disc2.EXE"_s);
+    handOverPlaylist(boxes, loaded, player, burnFile(), u"\\Fornax\\Fornax_Disc2.EXE"_s);
 }
 
-void DataCdHandoff(Host& host, std::int16_t player) {
+void DataCdHandoff(ports::Boxes& boxes, LoadedList& loaded, std::int16_t player) {
     createWorkingFolder();
-    handOverPlaylist(host, player, burnDataFile(), u"\\Fornax\\Fornax_Disc2.EXE"_s);
+    handOverPlaylist(boxes, loaded, player, burnDataFile(), u"\\Fornax\\Fornax_Disc2.EXE"_s);
 }
 
-void TagHandoff(Host& host) {
+void TagHandoff(const ports::Ports& ports) {
     {
         createWorkingFolder();
         std::optional<lists::LineFile> file;
         platform::resumeNext([&] { file.emplace(tagFile()); });
-        countSelected(host);
-        writeSelectedMp3s(host, file);
+        countSelected(ports);
+        writeSelectedMp3s(ports, file);
     }
     LaunchCompanion(u"\\Glyphwell.EXE"_s);
 }

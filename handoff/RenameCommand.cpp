@@ -9,7 +9,7 @@
 #include <QFile>
 
 #include "app/modules/modPath.h"
-#include "handoff/Host.h"
+#include "handoff/LoadedList.h"
 #include "lists/ListText.h"
 #include "lists/Names.h"
 #include "platform/Error.h"
@@ -18,6 +18,10 @@
 #include "platform/file/Move.h"
 #include "platform/file/Rename.h"
 #include "platform/file/Replacement.h"
+#include "ports/Boxes.h"
+#include "ports/EventPump.h"
+#include "ports/FileList.h"
+#include "ports/ProgressBar.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -29,18 +33,18 @@ struct SelectedFile {
     QString path;
 };
 
-std::vector<SelectedFile> selectedFiles(const Host& host) {
+std::vector<SelectedFile> selectedFiles(const ports::FileList& list) {
     std::vector<SelectedFile> files;
-    const int rows = host.rowCount();
+    const int rows = list.rowCount();
     for (int row = 1; row <= rows; ++row)
-        if (host.rowSelected(row)) files.push_back({row, host.entryPath(row - 1)});
+        if (list.rowSelected(row)) files.push_back({row, list.entryPath(row - 1)});
     return files;
 }
 
-bool isRenamingWanted(Host& host, const QString& path) {
-    return host.askYesNo(u"Would you like to rename this selected file: \r\n"_s + path +
-                             u"\r\nthen automatically update the loaded playlist?  "_s,
-                         u"Rename file?"_s);
+bool isRenamingWanted(ports::Boxes& boxes, const QString& path) {
+    return boxes.askYesNo(u"Would you like to rename this selected file: \r\n"_s + path +
+                              u"\r\nthen automatically update the loaded playlist?  "_s,
+                          u"Rename file?"_s);
 }
 
 QByteArray readWhole(const QString& path) {
@@ -119,33 +123,34 @@ bool isListWithFile(const QString& caption) {
     return !caption.isEmpty() && caption != u"Playlist loaded: New list not yet saved."_s;
 }
 
-void renameTo(Host& host, const SelectedFile& file, const QString& name) {
+void renameTo(ports::Boxes& boxes, LoadedList& loaded, const SelectedFile& file,
+              const QString& name) {
     const QString folder = modPath::GetPathPart(file.path);
     const QString newPath = folder + name + file.path.right(4);
-    host.showMessage(file.path + u"    "_s + newPath);
-    const QString caption = host.playlistCaption();
+    boxes.showMessage(file.path + u"    "_s + newPath);
+    const QString caption = loaded.caption();
     const bool hasList = isListWithFile(caption);
     const auto revised = hasList ? revisedInAdvance(caption, file.path, newPath) : std::nullopt;
     platform::file::rename(platform::toPath(file.path), platform::toPath(newPath));
-    if (!hasList) return host.setTitleCell(file.row, name);
+    if (!hasList) return loaded.setTitleCell(file.row, name);
     afterRenaming(file, newPath, [&] { revisePlaylist(caption, folder, revised, newPath); });
-    host.showMessage(u"The file has been renamed as: "_s + newPath +
-                     u" and the playlist revised to reflect this change.\r\n\r\n"
-                     u"TIP:  if this is an MP3 file it is also advisable to edit the 'Title' ID "
-                     u"tag to reflect this new file name then reload the playlist!"_s);
-    host.reloadPlaylist();
+    boxes.showMessage(u"The file has been renamed as: "_s + newPath +
+                      u" and the playlist revised to reflect this change.\r\n\r\n"
+                      u"TIP:  if this is an MP3 file it is also advisable to edit the 'Title' ID "
+                      u"tag to reflect this new file name then reload the playlist!"_s);
+    loaded.reload();
 }
 
 }  // namespace
 
-void renameSelectedFiles(Host& host) {
-    for (const SelectedFile& file : selectedFiles(host)) {
-        host.yield();
-        if (host.entryPath(file.row - 1) != file.path) continue;
-        if (!isRenamingWanted(host, file.path)) continue;
-        const QString name = host.inputBox(u"Please input new file name without the extension."_s,
-                                           u"Rename file..."_s);
-        if (!name.isEmpty()) renameTo(host, file, name);
+void renameSelectedFiles(const ports::Ports& ports, LoadedList& loaded) {
+    for (const SelectedFile& file : selectedFiles(ports.list)) {
+        ports.events.yield();
+        if (ports.list.entryPath(file.row - 1) != file.path) continue;
+        if (!isRenamingWanted(ports.boxes, file.path)) continue;
+        const QString name = ports.boxes.inputBox(
+            u"Please input new file name without the extension."_s, u"Rename file..."_s);
+        if (!name.isEmpty()) renameTo(ports.boxes, loaded, file, name);
     }
 }
 

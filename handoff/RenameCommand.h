@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "ports/Ports.h"
+
 namespace handoff {
 
-class Host;
+class LoadedList;
 
 /// The command "Rename selected file": asks for a new name for each file that was selected when the
 /// command began, renames it in its folder with its last four characters as extension, and revises
@@ -13,6 +15,6 @@ class Host;
 /// Error style "unhandled": throws platform::Error at the first failure, and no later step runs. A
 /// name that the playlist file cannot hold is refused before anything is renamed; a later failure
 /// says that the file has its new name already.
-void renameSelectedFiles(Host& host);
+void renameSelectedFiles(const ports::Ports& ports, LoadedList& loaded);
 
 }  // namespace handoff

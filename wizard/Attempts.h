@@ -4,16 +4,16 @@
 #include <exception>
 #include <utility>
 
-#include "wizard/Host.h"
 #include "wizard/Naming.h"
+#include "wizard/RunView.h"
 
 namespace wizard {
 
 /// The steps taken for one file, one after the other, whatever becomes of them: a step that fails
-/// is passed over. The host hears of the first one, which is the cause of those that follow.
+/// is passed over. The view hears of the first one, which is the cause of those that follow.
 class Attempts {
   public:
-    Attempts(Host& host, const QString& path) : host_(host), name_(bareName(path)) {}
+    Attempts(RunView& view, const QString& path) : view_(view), name_(bareName(path)) {}
 
     /// Takes a step; false where it failed.
     template <typename Step>
@@ -31,10 +31,10 @@ class Attempts {
     void report(const QString& sentence) {
         if (std::exchange(reported_, true)) return;
         const bool named = sentence.contains(name_);
-        host_.stepFailed(named ? sentence : name_ + QStringLiteral(": ") + sentence);
+        view_.stepFailed(named ? sentence : name_ + QStringLiteral(": ") + sentence);
     }
 
-    Host& host_;
+    RunView& view_;
     QString name_;
     bool reported_ = false;
 };

@@ -10,34 +10,36 @@
 
 namespace wizard {
 
-CrossFadeRounds::CrossFadeRounds(effects::Editor& editor, Session& session, Host& host)
-    : editor_(editor), session_(session), host_(host) {}
+CrossFadeRounds::CrossFadeRounds(effects::Editor& editor, Session& session, const RunPorts& ports)
+    : editor_(editor), session_(session), ports_(ports) {}
 
-void CrossFadeRounds::run() {
+bool CrossFadeRounds::run() {
     cutHeads();
-    if (host_.abandoned()) return;
+    if (ports_.events.closing()) return false;
     mixHeads();
-    if (host_.abandoned()) return;
-    host_.showStatus(texts::StatusIdle.toString());
+    if (ports_.events.closing()) return false;
+    ports_.bar.setStatus(texts::StatusIdle.toString());
     offerBurn();
+    return true;
 }
 
 void CrossFadeRounds::cutHeads() {
-    host_.showStatus(texts::StatusFirstRound.toString());
-    host_.showResults();
+    ports_.bar.setStatus(texts::StatusFirstRound.toString());
+    ports_.view.showResults();
     Settings& settings = session_.settings;
     if (settings.crossfade_value == 0) settings.crossfade_value = DefaultOverlapMs;
     editor_.CloseSound();
     const int last = session_.List1.rowCount() - 1;
-    for (settings.i_count = 1; settings.i_count <= last && !host_.abandoned(); ++settings.i_count)
+    for (settings.i_count = 1; settings.i_count <= last && !ports_.events.closing();
+         ++settings.i_count)
         cutHead(settings.i_count);
 }
 
 void CrossFadeRounds::cutHead(int index) {
-    host_.selectResult(index);
+    ports_.view.selectResult(index);
     const QString path = result(index);
-    const QString head = headFile(host_.options().targetPath, index, path);
-    Attempts attempt(host_, path);
+    const QString head = headFile(ports_.view.options().targetPath, index, path);
+    Attempts attempt(ports_.view, path);
     attempt([&] { editor_.Load(path); });
     editor_.SetSelectionActive(false);
     editor_.SetSelectionActive(true);
@@ -52,25 +54,25 @@ void CrossFadeRounds::cutHead(int index) {
 }
 
 void CrossFadeRounds::mixHeads() {
-    host_.showStatus(texts::StatusSecondRound.toString());
+    ports_.bar.setStatus(texts::StatusSecondRound.toString());
     auto& i_count = session_.settings.i_count;
     editor_.CloseSound();
     const int last = session_.List1.rowCount() - 2;
-    for (i_count = 0; i_count <= last && !host_.abandoned(); ++i_count)
+    for (i_count = 0; i_count <= last && !ports_.events.closing(); ++i_count)
         if (!mixHead(i_count)) return;
 }
 
 bool CrossFadeRounds::mixHead(int index) {
-    host_.selectResult(index);
+    ports_.view.selectResult(index);
     const QString path = result(index);
-    Attempts attempt(host_, path);
+    Attempts attempt(ports_.view, path);
     attempt([&] { editor_.Load(path); });
     editor_.SetSelectionActive(false);
     editor_.SetSelectionActive(true);
     bool inRange = true;
     attempt([&] { inRange = selectTail(); });
     if (!inRange) return false;
-    const QString head = headFile(host_.options().targetPath, index + 1, result(index + 1));
+    const QString head = headFile(ports_.view.options().targetPath, index + 1, result(index + 1));
     if (cut_.contains(index + 1)) attempt([&] { editor_.MixFile(head, 100.0F, 100.0F); });
     attempt([&] { guardedSave(editor_, session_.originals, path, false); });
     editor_.SetSelectionActive(false);
@@ -87,9 +89,9 @@ bool CrossFadeRounds::selectTail() {
 }
 
 void CrossFadeRounds::offerBurn() {
-    if (!host_.askReadyToBurn()) return;
-    for (int index = 0; index < session_.List1.rowCount(); ++index) host_.selectResult(index);
-    host_.burn(session_.List1.stringList());
+    if (!ports_.boxes.askYesNo(texts::BurnQuestion.toString(), texts::BurnTitle.toString())) return;
+    for (int index = 0; index < session_.List1.rowCount(); ++index) ports_.view.selectResult(index);
+    ports_.view.burn(session_.List1.stringList());
 }
 
 QString CrossFadeRounds::result(int index) const {

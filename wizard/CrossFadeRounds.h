@@ -4,7 +4,7 @@
 #include <set>
 
 #include "effects/engine/Editor.h"
-#include "wizard/Host.h"
+#include "wizard/RunView.h"
 #include "wizard/Session.h"
 
 namespace wizard {
@@ -23,10 +23,11 @@ namespace wizard {
 /// each round after the entry in hand.
 class CrossFadeRounds {
   public:
-    CrossFadeRounds(effects::Editor& editor, Session& session, Host& host);
+    CrossFadeRounds(effects::Editor& editor, Session& session, const RunPorts& ports);
 
-    /// Both rounds, then the question about burning and the burn itself.
-    void run();
+    /// Both rounds, then the question about burning and the burn itself. False where the run was
+    /// given up.
+    bool run();
 
   private:
     void cutHeads();
@@ -41,7 +42,7 @@ class CrossFadeRounds {
 
     effects::Editor& editor_;
     Session& session_;
-    Host& host_;
+    RunPorts ports_;
     std::set<int> cut_;  ///< entries whose head lies in its file and no longer in their track
 };
 

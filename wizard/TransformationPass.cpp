@@ -11,28 +11,28 @@ namespace wizard {
 
 using namespace Qt::Literals::StringLiterals;
 
-TransformationPass::TransformationPass(effects::Editor& editor, Session& session, Host& host)
-    : editor_(editor), session_(session), host_(host) {}
+TransformationPass::TransformationPass(effects::Editor& editor, Session& session,
+                                       const RunPorts& ports)
+    : editor_(editor), session_(session), ports_(ports) {}
 
-void TransformationPass::run() {
-    if (host_.options().targetPath.isEmpty())
-        return host_.refuse(texts::TargetPathMissing.toString());
-
+QString TransformationPass::reasonAgainst() {
+    if (ports_.view.options().targetPath.isEmpty()) return texts::TargetPathMissing.toString();
     session_.originals = {};
     for (const QString& path : session_.lstFiles.stringList()) session_.originals.add(path);
-    if (const QString path = originalInTheWay(); !path.isEmpty())
-        return host_.refuse(texts::originalInTheWay(path));
+    const QString path = originalInTheWay();
+    return path.isEmpty() ? QString() : texts::originalInTheWay(path);
+}
 
+bool TransformationPass::run() {
     transformAll();
-    if (host_.abandoned()) return;
-    if (host_.options().crossFade)
-        CrossFadeRounds(editor_, session_, host_).run();
-    else
-        host_.sayCompleted();
+    if (ports_.events.closing()) return false;
+    if (ports_.view.options().crossFade) return CrossFadeRounds(editor_, session_, ports_).run();
+    ports_.boxes.showMessage(texts::Completed.toString());
+    return true;
 }
 
 QString TransformationPass::originalInTheWay() const {
-    const Options options = host_.options();
+    const Options options = ports_.view.options();
     for (const QString& path : session_.lstFiles.stringList()) {
         const QString stem = options.hasPrefix ? session_.settings.FileName : outputStem(path);
         const QString output = outputPath(options, stem);
@@ -44,30 +44,31 @@ QString TransformationPass::originalInTheWay() const {
 void TransformationPass::transformAll() {
     editor_.CloseSound();
     session_.List1.setStringList({});
-    host_.setFileMaximum(session_.lstFiles.rowCount());
+    ports_.bar.setMaximum(session_.lstFiles.rowCount());
 
     auto& i_count = session_.settings.i_count;
-    const auto more = [&] { return i_count < session_.lstFiles.rowCount() && !host_.abandoned(); };
+    const auto more = [&] {
+        return i_count < session_.lstFiles.rowCount() && !ports_.events.closing();
+    };
     for (i_count = 0; more(); ++i_count) {
         const QString path = session_.lstFiles.stringList().at(i_count);
-        host_.selectFile(i_count);
+        ports_.view.selectFile(i_count);
         transform(path);
         append(session_.List1, outputPath_);
-        host_.setFileProgress(i_count + 1);
+        ports_.bar.setValue(i_count + 1);
     }
 
     editor_.CloseSound();
     i_count = 0;
-    host_.setFileProgress(0);
-    host_.setEngineProgress(0);
+    ports_.bar.setValue(0);
 }
 
 void TransformationPass::transform(const QString& path) {
-    const Options options = host_.options();
-    Attempts attempt(host_, path);
+    const Options options = ports_.view.options();
+    Attempts attempt(ports_.view, path);
     session_.originals.add(path);
     attempt([&] { editor_.Load(path); });
-    host_.showStatus(texts::StatusApplying.toString());
+    ports_.bar.setStatus(texts::StatusApplying.toString());
     applyEffects(attempt, options);
     fade(attempt, options);
     editor_.SetKeepTags(true);

@@ -7,7 +7,7 @@
 
 #include "effects/engine/Editor.h"
 #include "wizard/Attempts.h"
-#include "wizard/Host.h"
+#include "wizard/RunView.h"
 #include "wizard/Session.h"
 
 namespace wizard {
@@ -19,16 +19,18 @@ namespace wizard {
 ///
 /// A step that fails is passed over and the next one is taken; the results list gets every file's
 /// path all the same. The originals are never written: where the target folder holds one of them
-/// under a result's name, the pass says so and does nothing.
+/// under a result's name, that is a reason against the run.
 ///
 /// Runs in the caller's thread and yields only through the engine's progress. session.stop() ends
 /// the loop after the file in hand.
 class TransformationPass {
   public:
-    TransformationPass(effects::Editor& editor, Session& session, Host& host);
+    TransformationPass(effects::Editor& editor, Session& session, const RunPorts& ports);
 
-    /// The whole run, up to its closing message or the question about burning.
-    void run();
+    /// Why the run cannot begin; empty where it can. Asked before run().
+    QString reasonAgainst();
+    /// The whole run, up to its closing message or the burn. False where it was given up.
+    bool run();
 
   private:
     QString originalInTheWay() const;
@@ -41,7 +43,7 @@ class TransformationPass {
 
     effects::Editor& editor_;
     Session& session_;
-    Host& host_;
+    RunPorts ports_;
     QString outputPath_;  ///< the last one built, which a file of no format repeats
 };
 

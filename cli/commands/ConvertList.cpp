@@ -9,7 +9,7 @@
 #include <QFileInfo>
 
 #include "audio/tags/TrackInfo.h"
-#include "cli/Session.h"
+#include "cli/Invocation.h"
 #include "lists/ListReader.h"
 #include "lists/ListWriter.h"
 #include "platform/Paths.h"
@@ -57,17 +57,17 @@ QByteArray written(const std::vector<lists::ListedEntry>& listed, bool asPls) {
     return asPls ? lists::writePls(entries) : lists::writeM3u(entries);
 }
 
-void convertList(const ConvertArguments& arguments, Session& session) {
+void convertList(const ConvertArguments& arguments, Invocation& invocation) {
     const QString from = QFileInfo(QString::fromStdString(arguments.from)).absoluteFilePath();
     const QString to = QFileInfo(QString::fromStdString(arguments.to)).absoluteFilePath();
     const bool asPls = extensionOf(arguments.to) == u"pls"_s;
     lists::replaceListFile(to, written(lists::readListFile(from), asPls));
-    session.report().done(from, to);
+    invocation.report().done(from, to);
 }
 
 }  // namespace
 
-void addConvertListCommand(CLI::App& app, Session& session) {
+void addConvertListCommand(CLI::App& app, Invocation& invocation) {
     const auto arguments = std::make_shared<ConvertArguments>();
     CLI::App* command =
         app.add_subcommand("convert-list", "Writes a playlist in another format (M3U, PLS)");
@@ -76,7 +76,7 @@ void addConvertListCommand(CLI::App& app, Session& session) {
         ->required()
         ->check(refuseOtherExtensions)
         ->type_name("OUT");
-    command->callback([arguments, &session] { convertList(*arguments, session); });
+    command->callback([arguments, &invocation] { convertList(*arguments, invocation); });
 }
 
 }  // namespace cli

@@ -11,7 +11,7 @@
 #include <QDir>
 #include <QFileInfo>
 
-#include "cli/Session.h"
+#include "cli/Invocation.h"
 #include "handoff/CopyFiles.h"
 #include "handoff/PickedFolder.h"
 #include "lists/LineFile.h"
@@ -71,13 +71,13 @@ QString newListFor(const QString& copied, const QString& target) {
     return path;
 }
 
-void copy(const CopyArguments& arguments, Session& session) {
+void copy(const CopyArguments& arguments, Invocation& invocation) {
     const QString copied = QString::fromStdString(arguments.list);
     const auto entries = lists::readListFile(copied);
     const QString target = targetOf(arguments);
     std::optional<lists::LineFile> list;
     if (!arguments.player) list.emplace(newListFor(copied, target));
-    Report& report = session.report();
+    Report& report = invocation.report();
     report.begin(entries.size());
     copyAll(entries, target, list, report);
     report.end();
@@ -85,7 +85,7 @@ void copy(const CopyArguments& arguments, Session& session) {
 
 }  // namespace
 
-void addCopyCommand(CLI::App& app, Session& session) {
+void addCopyCommand(CLI::App& app, Invocation& invocation) {
     const auto arguments = std::make_shared<CopyArguments>();
     CLI::App* command = app.add_subcommand("copy", "Copies the files of a playlist into a folder");
     command->add_option("list", arguments->list, "The playlist")->required()->type_name("LIST");
@@ -96,7 +96,7 @@ void addCopyCommand(CLI::App& app, Session& session) {
     command->add_flag("--player", arguments->player,
                       "For a portable player: no list, and each copy is named DIR and the file's "
                       "name put together as they stand (so end DIR with a separator)");
-    command->callback([arguments, &session] { copy(*arguments, session); });
+    command->callback([arguments, &invocation] { copy(*arguments, invocation); });
 }
 
 }  // namespace cli

@@ -9,9 +9,9 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include "cli/Invocation.h"
 #include "cli/MixOptions.h"
 #include "cli/Seconds.h"
-#include "cli/Session.h"
 
 namespace cli {
 namespace {
@@ -27,8 +27,8 @@ QString absolute(const std::string& name) {
     return QDir::toNativeSeparators(QFileInfo(QFile::decodeName(name.c_str())).absoluteFilePath());
 }
 
-void crossfade(const CrossfadeOptions& options, Session& session) {
-    Report& report = session.report();
+void crossfade(const CrossfadeOptions& options, Invocation& invocation) {
+    Report& report = invocation.report();
     MixRun run = options.mix.toRun(report);
     run.options.crossFade = true;
     run.overlapMs = toMilliseconds(options.overlap);
@@ -38,7 +38,7 @@ void crossfade(const CrossfadeOptions& options, Session& session) {
 
 }  // namespace
 
-void addCrossfadeCommand(CLI::App& app, Session& session) {
+void addCrossfadeCommand(CLI::App& app, Invocation& invocation) {
     const auto options = std::make_shared<CrossfadeOptions>();
     CLI::App* command =
         app.add_subcommand("crossfade", "Makes one continuous mix of sound files in a folder");
@@ -48,7 +48,7 @@ void addCrossfadeCommand(CLI::App& app, Session& session) {
         ->capture_default_str();
     command->add_option("--burn-list", options->burnList, "Write the paths of the mix to this file")
         ->type_name("FILE");
-    command->callback([options, &session] { crossfade(*options, session); });
+    command->callback([options, &invocation] { crossfade(*options, invocation); });
 }
 
 }  // namespace cli

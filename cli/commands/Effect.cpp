@@ -14,8 +14,8 @@
 
 #include "cli/EffectRun.h"
 #include "cli/Inputs.h"
+#include "cli/Invocation.h"
 #include "cli/Seconds.h"
-#include "cli/Session.h"
 #include "platform/Error.h"
 
 namespace cli {
@@ -51,7 +51,7 @@ CLI::Option* addInteger(CLI::App& command, const char* name, float& value, int m
         ->default_str(std::to_string(std::lround(value)));
 }
 
-void addEchoOptions(CLI::App& command, effects::EchoSettings& echo) {
+void addEchoOptions(CLI::App& command, effects::EchoValues& echo) {
     addInteger(command, "--rate", echo.rate, 10, 95, "Level of each repeat in percent of the last");
     addInteger(command, "--gain", echo.gain, 10, 95, "Percent taken from the sound itself");
     addInteger(command, "--depth", echo.depth, 10, 95, "Level of the first repeat in percent");
@@ -112,8 +112,8 @@ QString existingFolder(const std::string& name) {
     return folder;
 }
 
-void run(const Effect& effect, Options& options, Session& session) {
-    Report& report = session.report();
+void run(const Effect& effect, Options& options, Invocation& invocation) {
+    Report& report = invocation.report();
     EffectRun run;
     run.effect = &effect;
     run.settings = options.settings;
@@ -124,7 +124,7 @@ void run(const Effect& effect, Options& options, Session& session) {
     applyEffect(run, report);
 }
 
-void addEffect(CLI::App& group, const Effect& effect, Session& session) {
+void addEffect(CLI::App& group, const Effect& effect, Invocation& invocation) {
     const auto options = std::make_shared<Options>();
     CLI::App* command = group.add_subcommand(std::string(effect.name), descriptionOf(effect.id));
     addOptions(*command, effect, *options);
@@ -136,15 +136,15 @@ void addEffect(CLI::App& group, const Effect& effect, Session& session) {
     command->add_option("files", options->arguments, "Playlists and sound files")
         ->required()
         ->type_name("LIST|FILE");
-    command->callback([&effect, options, &session] { run(effect, *options, session); });
+    command->callback([&effect, options, &invocation] { run(effect, *options, invocation); });
 }
 
 }  // namespace
 
-void addEffectCommand(CLI::App& app, Session& session) {
+void addEffectCommand(CLI::App& app, Invocation& invocation) {
     CLI::App* group = app.add_subcommand("effect", "Changes sound files in place");
     group->require_subcommand(1);
-    for (const Effect& effect : effects::allEffects()) addEffect(*group, effect, session);
+    for (const Effect& effect : effects::allEffects()) addEffect(*group, effect, invocation);
 }
 
 }  // namespace cli

@@ -7,10 +7,10 @@ class App;
 
 namespace cli {
 
-class Session;
+class Invocation;
 
 /// `effect NAME [options] LIST|FILE...`: one of the batch effects on every file, in place or on
 /// copies in another folder. Each file gets the value as given.
-void addEffectCommand(CLI::App& app, Session& session);
+void addEffectCommand(CLI::App& app, Invocation& invocation);
 
 }  // namespace cli

@@ -12,7 +12,7 @@
 #include "audio/read/Decoder.h"
 #include "audio/tags/TrackInfo.h"
 #include "cli/Inputs.h"
-#include "cli/Session.h"
+#include "cli/Invocation.h"
 #include "lists/ListReader.h"
 #include "platform/Paths.h"
 #include "player/engine/PlaylistStore.h"
@@ -76,8 +76,8 @@ void showTotals(const std::vector<QString>& durations, Report& report) {
     report.line(totals.countText, {{u"fileCount"_s, totals.countText}});
 }
 
-void show(const std::vector<std::string>& arguments, Session& session) {
-    Report& report = session.report();
+void show(const std::vector<std::string>& arguments, Invocation& invocation) {
+    Report& report = invocation.report();
     std::vector<QString> durations;
     for (const QString& path : namedFiles(arguments, report)) {
         const Row row = rowOf(path, static_cast<int>(durations.size()) + 1);
@@ -91,13 +91,13 @@ void show(const std::vector<std::string>& arguments, Session& session) {
 
 }  // namespace
 
-void addShowCommand(CLI::App& app, Session& session) {
+void addShowCommand(CLI::App& app, Invocation& invocation) {
     const auto arguments = std::make_shared<std::vector<std::string>>();
     CLI::App* command = app.add_subcommand("show", "Lists entries and their totals");
     command->add_option("files", *arguments, "Playlists and sound files")
         ->required()
         ->type_name("LIST|FILE");
-    command->callback([arguments, &session] { show(*arguments, session); });
+    command->callback([arguments, &invocation] { show(*arguments, invocation); });
 }
 
 }  // namespace cli

@@ -7,9 +7,9 @@ class App;
 
 namespace cli {
 
-class Session;
+class Invocation;
 
 /// `show LIST|FILE...`: number, duration, title and path of every entry, then the two totals.
-void addShowCommand(CLI::App& app, Session& session);
+void addShowCommand(CLI::App& app, Invocation& invocation);
 
 }  // namespace cli

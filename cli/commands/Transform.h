@@ -7,10 +7,10 @@ class App;
 
 namespace cli {
 
-class Session;
+class Invocation;
 
 /// `transform LIST|FILE... --target DIR [options]`: every file into another folder, trimmed,
 /// levelled and faded as asked, in one format. The files themselves are only read.
-void addTransformCommand(CLI::App& app, Session& session);
+void addTransformCommand(CLI::App& app, Invocation& invocation);
 
 }  // namespace cli

@@ -7,6 +7,10 @@
 
 #include "app/modules/modMain.h"
 #include "effects/engine/Editor.h"
+#include "ports/Boxes.h"
+#include "ports/EventPump.h"
+#include "ports/FileList.h"
+#include "ports/ProgressBar.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -25,7 +29,7 @@ class BatchRunner::Running {
     explicit Running(BatchRunner& runner) : runner_(runner) {
         runner_.running_ = true;
         runner_.done_ = 0;
-        runner_.host_.clearRowMarks();
+        runner_.ports_.list.clearRowMarks();
     }
     ~Running() { runner_.running_ = false; }
     Running(const Running&) = delete;
@@ -38,24 +42,24 @@ class BatchRunner::Running {
 void BatchRunner::run(const BatchJob& job) {
     if (running_) return;
     const Running busy(*this);
-    attempt([this] { host_.stopPlayback(); });
+    attempt([this] { controls_.stopPlayback(); });
     callIfSet(job.hideDialog);
-    host_.yield();
-    disableWindow();
+    ports_.events.yield();
+    controls_.setCommandsEnabled(false);
     if (job.readSettings) {
         job.readSettings();
-        host_.yield();
+        ports_.events.yield();
     }
     countSelected();
-    workThroughSelection([this] { host_.setBarVisible(true); }, job);
+    workThroughSelection([this] { ports_.bar.setShown(true); }, job);
     modMain::EffectMode = modMain::ModeNone;
     modMain::SelectedCount = 0;
-    host_.setBarVisible(false);
-    host_.setStatus({});
-    host_.setBarValue(0);
-    if (job.deselectAtEnd) attempt([this] { host_.editor().SetSelectionActive(false); });
-    if (!host_.closing()) host_.showMessage(job.closingMessage);
-    enableWindow();
+    ports_.bar.setShown(false);
+    ports_.bar.setStatus({});
+    ports_.bar.setValue(0);
+    if (job.deselectAtEnd) attempt([this] { editor_.SetSelectionActive(false); });
+    if (!ports_.events.closing()) ports_.boxes.showMessage(job.closingMessage);
+    controls_.setCommandsEnabled(true);
     callIfSet(job.unloadDialog);
 }
 
@@ -68,12 +72,12 @@ void BatchRunner::trim() {
         EffectSettings none;
         effect.apply(editor, none, guarded);
     };
-    attempt([this] { host_.stopPlayback(); });
-    disableWindow();
-    host_.yield();
+    attempt([this] { controls_.stopPlayback(); });
+    controls_.setCommandsEnabled(false);
+    ports_.events.yield();
     workThroughSelection({}, job);
-    enableWindow();
-    host_.setStatus({});
+    controls_.setCommandsEnabled(true);
+    ports_.bar.setStatus({});
 }
 
 // A click on the button within a run could save one file's sound over another's: only the run's own
@@ -81,71 +85,58 @@ void BatchRunner::trim() {
 void BatchRunner::save() {
     if (saving_ || (running_ && phase_ != saving)) return;
     const QScopedValueRollback busy(saving_, true);
-    host_.yield();
-    const QString path = host_.fileName();
-    attempt([&] { host_.replaceFile(path, [&] { host_.editor().Save(path, true, 0); }); });
-    host_.yield();
+    ports_.events.yield();
+    const QString path = controls_.fileName();
+    attempt([&] { controls_.replaceFile(path, [&] { editor_.Save(path, true, 0); }); });
+    ports_.events.yield();
 }
 
 void BatchRunner::progress(int percent) {
-    if (!running_) return host_.repaint();
-    host_.setFileProgress((phase_ + percent / 100.0) / phases);
-    host_.yield();
-}
-
-void BatchRunner::disableWindow() {
-    host_.setCommandButtonsEnabled(false);
-    host_.setListEnabled(false);
-    host_.setEditorVisible(false);
-}
-
-void BatchRunner::enableWindow() {
-    host_.setCommandButtonsEnabled(true);
-    host_.setListEnabled(true);
-    host_.setEditorVisible(true);
+    if (!running_) return ports_.events.repaint();
+    ports_.bar.setFraction((phase_ + percent / 100.0) / phases);
+    ports_.events.yield();
 }
 
 // Counts rows 0 to n - 1 although rows are numbered from 1, so the last one never counts: the
 // bar's maximum is known by this.
 void BatchRunner::countSelected() {
-    const int rows = host_.rowCount();
+    const int rows = ports_.list.rowCount();
     for (int index = 0; index < rows; ++index)
-        if (host_.rowSelected(index)) ++modMain::SelectedCount;
-    host_.setBarMaximum(modMain::SelectedCount + 1);
+        if (ports_.list.rowSelected(index)) ++modMain::SelectedCount;
+    ports_.bar.setMaximum(modMain::SelectedCount + 1);
 }
 
 void BatchRunner::workThroughSelection(const std::function<void()>& beforeEach,
                                        const BatchJob& job) {
-    const int rows = host_.rowCount();
-    for (int row = 1; row <= rows && !host_.closing(); ++row) {
-        if (!host_.rowSelected(row)) continue;
-        host_.yield();
+    const int rows = ports_.list.rowCount();
+    for (int row = 1; row <= rows && !ports_.events.closing(); ++row) {
+        if (!ports_.list.rowSelected(row)) continue;
+        ports_.events.yield();
         callIfSet(beforeEach);
-        host_.setBarValue(++done_);
+        ports_.bar.setValue(++done_);
         workOn(row, job);
     }
 }
 
 void BatchRunner::workOn(int row, const BatchJob& job) {
     reason_.clear();
-    Editor& editor = host_.editor();
-    const QString path = host_.entryPath(row - 1);
+    const QString path = ports_.list.entryPath(row - 1);
     enter(loading);
-    attempt([&] { editor.Load(path); });
-    host_.setFileName(path);
-    host_.yield();
-    host_.setStatus(u"Working on: "_s + host_.entryName(row - 1));
-    host_.yield();
+    attempt([&] { editor_.Load(path); });
+    controls_.setFileName(path);
+    ports_.events.yield();
+    ports_.bar.setStatus(u"Working on: "_s + ports_.list.entryName(row - 1));
+    ports_.events.yield();
     enter(changing);
-    if (job.effect) job.effect(editor, guard());
+    if (job.effect) job.effect(editor_, guard());
     enter(saving);
-    host_.saveStep();
-    if (!reason_.isEmpty()) host_.markRow(row, reason_);
+    save();
+    if (!reason_.isEmpty()) ports_.list.markRow(row, reason_);
 }
 
 void BatchRunner::enter(int phase) {
     phase_ = phase;
-    host_.setFileProgress(static_cast<double>(phase) / phases);
+    ports_.bar.setFraction(static_cast<double>(phase) / phases);
 }
 
 void BatchRunner::attempt(const std::function<void()>& call) {

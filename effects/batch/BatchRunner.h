@@ -6,7 +6,8 @@
 #include <QString>
 
 #include "effects/batch/EffectStep.h"
-#include "effects/batch/RunnerHost.h"
+#include "effects/batch/RunControls.h"
+#include "ports/Ports.h"
 
 namespace effects {
 
@@ -26,7 +27,8 @@ struct BatchJob {
 /// within: see running(). Window thread.
 class BatchRunner {
   public:
-    explicit BatchRunner(RunnerHost& host) : host_(host) {}
+    BatchRunner(Editor& editor, const ports::Ports& ports, RunControls& controls)
+        : editor_(editor), ports_(ports), controls_(controls) {}
     BatchRunner(const BatchRunner&) = delete;
     BatchRunner& operator=(const BatchRunner&) = delete;
 
@@ -47,8 +49,6 @@ class BatchRunner {
     class Running;
     static constexpr int loading = 0, changing = 1, saving = 2, phases = 3;
 
-    void disableWindow();
-    void enableWindow();
     void countSelected();
     void workThroughSelection(const std::function<void()>& beforeEach, const BatchJob& job);
     void workOn(int row, const BatchJob& job);
@@ -56,7 +56,9 @@ class BatchRunner {
     void attempt(const std::function<void()>& call);
     CallGuard guard();
 
-    RunnerHost& host_;
+    Editor& editor_;
+    ports::Ports ports_;
+    RunControls& controls_;
     bool running_ = false;
     bool saving_ = false;  // the save step is under way
     int done_ = 0;         // files begun in this run: the bar's value

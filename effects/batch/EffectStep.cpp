@@ -87,7 +87,7 @@ void fadeOut(Editor& editor, EffectSettings& settings, const CallGuard& guard) {
 }
 
 void echo(Editor& editor, EffectSettings& settings, const CallGuard& guard) {
-    const EchoSettings& with = settings.echo;
+    const EchoValues& with = settings.echo;
     selectWholeFile(editor, guard);
     guard([&] { editor.Echo(with.time, with.depth, with.gain, with.rate, echoCutoff, echoCount); });
 }

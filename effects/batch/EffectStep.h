@@ -11,7 +11,7 @@ namespace effects {
 class Editor;
 
 /// The settings of an echo, in the units of Editor::Echo.
-struct EchoSettings {
+struct EchoValues {
     float time = 7;    ///< tenths of a second
     float depth = 40;  ///< percent
     float gain = 10;   ///< percent
@@ -23,7 +23,7 @@ struct EffectSettings {
     double value = 0;               ///< percent or milliseconds; the amplify steps rewrite it
     std::int32_t fadeMs = 0;        ///< length of a fade in milliseconds
     float level = 0;                ///< percent at the quiet end of a fade
-    EchoSettings echo;              ///< read by the echo alone
+    EchoValues echo;                ///< read by the echo alone
     std::int32_t fadeOutStart = 0;  ///< written by the fade-out: the first frame of its range
 };
 

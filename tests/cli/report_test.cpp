@@ -9,7 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "cli/Session.h"
+#include "cli/Invocation.h"
 
 using namespace Qt::Literals::StringLiterals;
 using cli::Report;
@@ -91,14 +91,14 @@ TEST(Report, NamesCannotSteerTheTerminal) {
     EXPECT_EQ(std::count(shown.begin(), shown.end(), '\n'), 1);
 }
 
-TEST(Session, TheExitCodeTellsOfFailures) {
+TEST(Invocation, TheExitCodeTellsOfFailures) {
     Streams streams;
-    cli::Session session(streams.out, streams.err);
-    EXPECT_EQ(session.exitCode(), 0);
-    session.report().done(u"/m/a.wav"_s);
-    EXPECT_EQ(session.exitCode(), 0);
-    session.report().failed(u"/m/b.wav"_s, u"No."_s);
-    EXPECT_EQ(session.exitCode(), 1);
+    cli::Invocation invocation(streams.out, streams.err);
+    EXPECT_EQ(invocation.exitCode(), 0);
+    invocation.report().done(u"/m/a.wav"_s);
+    EXPECT_EQ(invocation.exitCode(), 0);
+    invocation.report().failed(u"/m/b.wav"_s, u"No."_s);
+    EXPECT_EQ(invocation.exitCode(), 1);
 }
 
 }  // namespace

@@ -5,7 +5,7 @@
 
 #include "app/modules/modMain.h"
 #include "effects/batch/BatchRunner.h"
-#include "tests/effects/RecordingHost.h"
+#include "tests/effects/RecordingWindow.h"
 
 using namespace Qt::Literals::StringLiterals;
 using testing::Contains;
@@ -17,7 +17,6 @@ namespace {
 class Runner : public testing::Test {
   protected:
     Runner() {
-        host.runner = &runner;
         modMain::EffectMode = modMain::ModeNormalize;
         modMain::SelectedCount = 0;
         job.hideDialog = [this] { log(u"hide dialog"_s); };
@@ -28,19 +27,19 @@ class Runner : public testing::Test {
         job.closingMessage = u"Done."_s;
     }
 
-    void log(const QString& what) { host.engine.calls << what; }
-    QStringList calls() const { return host.engine.calls; }
+    void log(const QString& what) { window.engine.calls << what; }
+    QStringList calls() const { return window.engine.calls; }
     QStringList calls(const QString& beginning) const { return calls().filter(beginning); }
     void list(int rows, std::set<int> selected) {
-        host.rows = rows;
-        host.selected = std::move(selected);
+        window.rows = rows;
+        window.selected = std::move(selected);
     }
     void failAt(const QString& part) {
-        host.engine.fails = [part](const QString& call) { return call.contains(part); };
+        window.engine.fails = [part](const QString& call) { return call.contains(part); };
     }
 
-    support::RecordingRunnerHost host;
-    effects::BatchRunner runner{host};
+    support::RecordingWindow window;
+    effects::BatchRunner runner{window.engine, window.all(), window};
     effects::BatchJob job;
 };
 
@@ -52,9 +51,7 @@ TEST_F(Runner, TakesItsStepsInOrder) {
     const QStringList expected{u"stop"_s,
                                u"hide dialog"_s,
                                u"yield"_s,
-                               u"disable buttons"_s,
-                               u"disable list"_s,
-                               u"hide editor"_s,
+                               u"disable commands"_s,
                                u"read settings"_s,
                                u"yield"_s,
                                u"bar maximum 2"_s,
@@ -66,7 +63,6 @@ TEST_F(Runner, TakesItsStepsInOrder) {
                                u"status [Working on: 1.wav]"_s,
                                u"yield"_s,
                                u"Amplify(55)"_s,
-                               u"save step"_s,
                                u"yield"_s,
                                u"Save(/music/1.wav, true, 0)"_s,
                                u"yield"_s,
@@ -75,18 +71,16 @@ TEST_F(Runner, TakesItsStepsInOrder) {
                                u"bar 0"_s,
                                u"SetSelectionActive(false)"_s,
                                u"message [Done.]"_s,
-                               u"enable buttons"_s,
-                               u"enable list"_s,
-                               u"show editor"_s,
+                               u"enable commands"_s,
                                u"unload dialog"_s};
     EXPECT_EQ(calls(), expected) << calls().join(u'\n').toStdString();
-    EXPECT_EQ(host.name, u"/music/1.wav"_s);
+    EXPECT_EQ(window.name, u"/music/1.wav"_s);
 }
 
 TEST_F(Runner, ThePlayerLetsGoOfEachFileThatIsReplaced) {
     list(2, {1, 2});
     runner.run(job);
-    EXPECT_EQ(host.released, (QStringList{u"/music/0.wav"_s, u"/music/1.wav"_s}));
+    EXPECT_EQ(window.released, (QStringList{u"/music/0.wav"_s, u"/music/1.wav"_s}));
 }
 
 TEST_F(Runner, ResetsModeAndCountAtTheEnd) {
@@ -111,7 +105,7 @@ TEST_F(Runner, AnEmptyListIsNoTrouble) {
     list(0, {});
     runner.run(job);
     EXPECT_TRUE(calls().contains(u"bar maximum 1"_s));
-    EXPECT_TRUE(calls().contains(u"enable list"_s));
+    EXPECT_TRUE(calls().contains(u"enable commands"_s));
 }
 
 TEST_F(Runner, NeverCountsTheLastRowButWorksOnIt) {
@@ -124,46 +118,46 @@ TEST_F(Runner, NeverCountsTheLastRowButWorksOnIt) {
 
 TEST_F(Runner, GoesOnAfterEveryError) {
     list(2, {1, 2});
-    host.engine.fails = [](const QString&) { return true; };
-    host.stopFails = true;
+    window.engine.fails = [](const QString&) { return true; };
+    window.stopFails = true;
     runner.run(job);
     EXPECT_EQ(calls(u"Amplify"_s).size(), 2);
     EXPECT_EQ(calls(u"Save("_s),
               (QStringList{u"Save(/music/0.wav, true, 0)"_s, u"Save(/music/1.wav, true, 0)"_s}));
     EXPECT_TRUE(calls().contains(u"message [Done.]"_s));
-    EXPECT_TRUE(calls().contains(u"enable buttons"_s));
+    EXPECT_TRUE(calls().contains(u"enable commands"_s));
 }
 
 TEST_F(Runner, MarksAFailedRowWithTheFirstReason) {
     list(2, {1, 2});
-    host.engine.fails = [](const QString& call) {
+    window.engine.fails = [](const QString& call) {
         return call.startsWith(u"Load(/music/1"_s) || call.startsWith(u"Save(/music/1"_s);
     };
     runner.run(job);
-    EXPECT_EQ(host.marks, (QMap<int, QString>{{2, u"Load(/music/1.wav) failed."_s}}));
+    EXPECT_EQ(window.marks, (QMap<int, QString>{{2, u"Load(/music/1.wav) failed."_s}}));
 }
 
 TEST_F(Runner, AFailureOfStoppingIsNoFailureOfTheFirstFile) {
     list(1, {1});
-    host.stopFails = true;
+    window.stopFails = true;
     runner.run(job);
-    EXPECT_TRUE(host.marks.isEmpty());
+    EXPECT_TRUE(window.marks.isEmpty());
 }
 
 TEST_F(Runner, TheNextRunTakesTheMarksAway) {
     list(1, {1});
     failAt(u"Save"_s);
     runner.run(job);
-    EXPECT_EQ(host.marks.size(), 1);
-    host.engine.fails = nullptr;
+    EXPECT_EQ(window.marks.size(), 1);
+    window.engine.fails = nullptr;
     runner.trim();
-    EXPECT_TRUE(host.marks.isEmpty());
+    EXPECT_TRUE(window.marks.isEmpty());
 }
 
 TEST_F(Runner, EndsAfterTheFileInHandWhenTheWindowIsClosed) {
     list(3, {1, 2, 3});
-    host.engine.during = [this](const QString& call) {
-        if (call.startsWith(u"Amplify"_s)) host.closed = true;
+    window.engine.during = [this](const QString& call) {
+        if (call.startsWith(u"Amplify"_s)) window.closed = true;
     };
     runner.run(job);
     EXPECT_EQ(calls(u"Load"_s).size(), 1);
@@ -174,7 +168,7 @@ TEST_F(Runner, EndsAfterTheFileInHandWhenTheWindowIsClosed) {
 
 TEST_F(Runner, CannotBeStartedFromWithinItself) {
     list(1, {1});
-    host.onYield = [this] {
+    window.onYield = [this] {
         EXPECT_TRUE(runner.running());
         runner.run(job);
         runner.trim();
@@ -186,12 +180,12 @@ TEST_F(Runner, CannotBeStartedFromWithinItself) {
 
 TEST_F(Runner, ProgressMovesTheBarWithinTheFileAndYields) {
     list(1, {1});
-    host.engine.during = [this](const QString&) { runner.progress(50); };
+    window.engine.during = [this](const QString&) { runner.progress(50); };
     runner.run(job);
-    ASSERT_GE(host.fractions.size(), 6U);
-    EXPECT_TRUE(std::is_sorted(host.fractions.begin(), host.fractions.end()));
-    EXPECT_DOUBLE_EQ(host.fractions.front(), 0);
-    EXPECT_NEAR(host.fractions.back(), 5.0 / 6, 1e-9);
+    ASSERT_GE(window.fractions.size(), 6U);
+    EXPECT_TRUE(std::is_sorted(window.fractions.begin(), window.fractions.end()));
+    EXPECT_DOUBLE_EQ(window.fractions.front(), 0);
+    EXPECT_NEAR(window.fractions.back(), 5.0 / 6, 1e-9);
 }
 
 TEST_F(Runner, TheTrimPassHasNeitherBarNorCountNorMessage) {
@@ -199,9 +193,7 @@ TEST_F(Runner, TheTrimPassHasNeitherBarNorCountNorMessage) {
     modMain::SelectedCount = 7;
     runner.trim();
     const QStringList expected{u"stop"_s,
-                               u"disable buttons"_s,
-                               u"disable list"_s,
-                               u"hide editor"_s,
+                               u"disable commands"_s,
                                u"yield"_s,
                                u"yield"_s,
                                u"bar 1"_s,
@@ -211,7 +203,6 @@ TEST_F(Runner, TheTrimPassHasNeitherBarNorCountNorMessage) {
                                u"yield"_s,
                                u"SelectWholeFile()"_s,
                                u"TrimSilence(-20, 100, 2)"_s,
-                               u"save step"_s,
                                u"yield"_s,
                                u"Save(/music/0.wav, true, 0)"_s,
                                u"yield"_s,
@@ -223,13 +214,10 @@ TEST_F(Runner, TheTrimPassHasNeitherBarNorCountNorMessage) {
                                u"yield"_s,
                                u"SelectWholeFile()"_s,
                                u"TrimSilence(-20, 100, 2)"_s,
-                               u"save step"_s,
                                u"yield"_s,
                                u"Save(/music/2.wav, true, 0)"_s,
                                u"yield"_s,
-                               u"enable buttons"_s,
-                               u"enable list"_s,
-                               u"show editor"_s,
+                               u"enable commands"_s,
                                u"status []"_s};
     EXPECT_EQ(calls(), expected) << calls().join(u'\n').toStdString();
     EXPECT_EQ(modMain::SelectedCount, 7);
@@ -241,7 +229,7 @@ TEST_F(Runner, TheTrimPassSavesAlsoWhatCouldNotBeTrimmed) {
     failAt(u"TrimSilence"_s);
     runner.trim();
     EXPECT_EQ(calls(u"Save("_s).size(), 1);
-    EXPECT_EQ(host.marks[1], u"TrimSilence(-20, 100, 2) failed."_s);
+    EXPECT_EQ(window.marks[1], u"TrimSilence(-20, 100, 2) failed."_s);
 }
 
 TEST_F(Runner, AJobWithoutAnEffectStillSavesEveryFile) {
@@ -252,11 +240,11 @@ TEST_F(Runner, AJobWithoutAnEffectStillSavesEveryFile) {
 }
 
 TEST_F(Runner, TheSaveStepAloneIgnoresErrors) {
-    host.name = u"/music/x.wav"_s;
+    window.name = u"/music/x.wav"_s;
     failAt(u"Save"_s);
     runner.save();
     EXPECT_EQ(calls(), (QStringList{u"yield"_s, u"Save(/music/x.wav, true, 0)"_s, u"yield"_s}));
-    EXPECT_TRUE(host.marks.isEmpty());
+    EXPECT_TRUE(window.marks.isEmpty());
 }
 
 }  // namespace

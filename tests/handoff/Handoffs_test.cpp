@@ -12,13 +12,13 @@
 #include "handoff/LaunchCompanion.h"
 #include "platform/Paths.h"
 #include "tests/handoff/Companion.h"
-#include "tests/handoff/FakeHost.h"
+#include "tests/handoff/FakeWindow.h"
 #include "tests/platform/file/FileTools.h"
 
 namespace fs = std::filesystem;
 using namespace Qt::Literals::StringLiterals;
 using test::Companion;
-using test::FakeHost;
+using test::FakeWindow;
 
 namespace {
 
@@ -28,7 +28,8 @@ class Handoffs : public testing::Test {
     ~Handoffs() override {
         fs::remove_all(platform::toPath(platform::fixedPath(u"C:\\Zolvo_Temp"_s)));
     }
-    FakeHost host;
+    FakeWindow window;
+    std::int16_t minutes = 0;
 };
 
 }  // namespace
@@ -56,20 +57,20 @@ TEST_F(Handoffs, AMissingCompanionIsPassedOver) {
 
 TEST_F(Handoffs, TheDiscWriterGetsBurnDat) {
     const Companion writer("Fornax/Fornax_Disc2.EXE");
-    host.minutes = 78;
-    handoff::AudioCdDiscHandoff(host, 1);
+    minutes = 78;
+    handoff::AudioCdDiscHandoff(window, window, minutes, 1);
     EXPECT_TRUE(writer.started());
-    EXPECT_EQ(host.saved, QStringList{u"1 "_s + handoff::burnFile()});
+    EXPECT_EQ(window.saved, QStringList{u"1 "_s + handoff::burnFile()});
     EXPECT_TRUE(fs::is_directory(platform::toPath(handoff::burnFile()).parent_path()));
-    EXPECT_EQ(host.shown, QStringList());
+    EXPECT_EQ(window.shown, QStringList());
 }
 
 TEST_F(Handoffs, TheDiscWriterAsksOverSeventyEightMinutes) {
-    host.minutes = 79;
-    host.answer = false;
-    handoff::AudioCdDiscHandoff(host, 0);
-    EXPECT_EQ(host.saved, QStringList());
-    EXPECT_EQ(host.shown,
+    minutes = 79;
+    window.answer = false;
+    handoff::AudioCdDiscHandoff(window, window, minutes, 0);
+    EXPECT_EQ(window.saved, QStringList());
+    EXPECT_EQ(window.shown,
               QStringList{u"You are either over, or dangerously close, to the max data\r\n"
                           u"(normally 80 mins) allowed to write to an Audio CD disc.\r\n"
                           u"\r\nProceed?  "_s});
@@ -77,21 +78,21 @@ TEST_F(Handoffs, TheDiscWriterAsksOverSeventyEightMinutes) {
 
 TEST_F(Handoffs, TheDataDiscIsNeverTooLong) {
     const Companion writer("Fornax/Fornax_Disc2.EXE");
-    host.minutes = std::numeric_limits<std::int16_t>::max();
-    handoff::DataCdHandoff(host, 0);
+    minutes = std::numeric_limits<std::int16_t>::max();
+    handoff::DataCdHandoff(window, window, 0);
     EXPECT_TRUE(writer.started());
-    EXPECT_EQ(host.saved, QStringList{u"0 "_s + handoff::burnDataFile()});
-    EXPECT_EQ(host.shown, QStringList());
+    EXPECT_EQ(window.saved, QStringList{u"0 "_s + handoff::burnDataFile()});
+    EXPECT_EQ(window.shown, QStringList());
 }
 
 TEST_F(Handoffs, AFailedSaveStartsNothing) {
     const Companion disc("Fornax/Fornax_Disc2.EXE");
     const Companion shelf("Fornax/Fornax_Shelf.exe");
-    host.saveResult = 5;
-    handoff::AudioCdHandoff(host, 0);
-    handoff::AudioCdDiscHandoff(host, 0);
-    handoff::DataCdHandoff(host, 0);
-    EXPECT_EQ(host.shown, QStringList(3, u"Error saving playlist"_s));
+    window.saveResult = 5;
+    handoff::AudioCdHandoff(window, window, minutes, 0);
+    handoff::AudioCdDiscHandoff(window, window, minutes, 0);
+    handoff::DataCdHandoff(window, window, 0);
+    EXPECT_EQ(window.shown, QStringList(3, u"Error saving playlist"_s));
     // A program started now would be seen before one that is started after it.
     const Companion last("Quillon.exe");
     handoff::launch(handoff::Companion::Quillon);
@@ -102,38 +103,38 @@ TEST_F(Handoffs, AFailedSaveStartsNothing) {
 
 // Row 0 always counts, the last row never does, and nobody clears the count.
 TEST_F(Handoffs, TheTagEditorsCountIsOdd) {
-    host.paths = {u"/a.mp3"_s, u"/b.mp3"_s, u"/c.mp3"_s};
-    host.selected = {1, 3};
-    handoff::TagHandoff(host);
+    window.paths = {u"/a.mp3"_s, u"/b.mp3"_s, u"/c.mp3"_s};
+    window.selected = {1, 3};
+    handoff::TagHandoff(window.all());
     EXPECT_EQ(modMain::SelectedCount, 2);
-    EXPECT_EQ(host.barMaximum, 3);
-    handoff::TagHandoff(host);
+    EXPECT_EQ(window.barMaximum, 3);
+    handoff::TagHandoff(window.all());
     EXPECT_EQ(modMain::SelectedCount, 4);
-    EXPECT_EQ(host.barMaximum, 5);
+    EXPECT_EQ(window.barMaximum, 5);
     modMain::SelectedCount = std::numeric_limits<std::int16_t>::max();
-    handoff::TagHandoff(host);
+    handoff::TagHandoff(window.all());
     EXPECT_EQ(modMain::SelectedCount, std::numeric_limits<std::int16_t>::max());
 }
 
 // With no row at all, row 0 is not looked at either.
 TEST_F(Handoffs, TheTagEditorsCountOfAnEmptyList) {
-    handoff::TagHandoff(host);
+    handoff::TagHandoff(window.all());
     EXPECT_EQ(modMain::SelectedCount, 0);
-    EXPECT_EQ(host.barMaximum, 1);
+    EXPECT_EQ(window.barMaximum, 1);
 }
 
 TEST_F(Handoffs, ALineThatCannotBeWrittenIsLeftOut) {
-    host.paths = {u"/a.mp3"_s, u"/two\nlines.mp3"_s, u"/c.mp3"_s};
-    host.selected = {1, 2, 3};
-    handoff::TagHandoff(host);
+    window.paths = {u"/a.mp3"_s, u"/two\nlines.mp3"_s, u"/c.mp3"_s};
+    window.selected = {1, 2, 3};
+    handoff::TagHandoff(window.all());
     EXPECT_EQ(test::readFile(platform::toPath(handoff::tagFile())), "/a.mp3\r\n/c.mp3\r\n");
 }
 
 TEST_F(Handoffs, TheTagEditorIsStartedWithoutAFileToo) {
     const Companion editor("Glyphwell.EXE");
     fs::create_directories(platform::toPath(handoff::tagFile()));
-    host.paths = {u"/a.mp3"_s};
-    host.selected = {1};
-    handoff::TagHandoff(host);
+    window.paths = {u"/a.mp3"_s};
+    window.selected = {1};
+    handoff::TagHandoff(window.all());
     EXPECT_TRUE(editor.started());
 }

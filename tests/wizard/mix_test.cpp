@@ -11,11 +11,12 @@
 #include <QFile>
 #include <gtest/gtest.h>
 
+#include "effects/engine/AudioEditor.h"
 #include "platform/Paths.h"
 #include "tests/support/Fixtures.h"
 #include "tests/support/Sound.h"
 #include "tests/support/TempFolder.h"
-#include "tests/wizard/RecordingHost.h"
+#include "tests/wizard/RecordingView.h"
 #include "wizard/Naming.h"
 #include "wizard/Session.h"
 #include "wizard/TransformationPass.h"
@@ -58,9 +59,11 @@ class MixTest : public testing::Test {
 
     /// Runs the pass into a folder; returns the results.
     QStringList run(const QString& target, bool crossFade) {
-        host.chosen.targetPath = folder.file(target + u'/');
-        host.chosen.crossFade = crossFade;
-        wizard::TransformationPass(editor, session, host).run();
+        view.chosen.targetPath = folder.file(target + u'/');
+        view.chosen.crossFade = crossFade;
+        wizard::TransformationPass pass(editor, session, view.all());
+        EXPECT_EQ(pass.reasonAgainst(), QString());
+        pass.run();
         return session.List1.stringList();
     }
 
@@ -115,7 +118,7 @@ class MixTest : public testing::Test {
     support::TempFolder folder;
     effects::AudioEditor editor;
     wizard::Session session;
-    support::RecordingHost host;
+    support::RecordingView view;
     unsigned serial_ = 0;
 };
 
@@ -128,7 +131,7 @@ TEST_F(MixTest, TheMixIsTheTracksOverlappedSampleForSample) {
     session.settings.crossfade_value = 2000;
     const auto results = decoded(run(u"mix"_s, true));
     expectMix(tracks, results, 2 * Rate);
-    EXPECT_TRUE(host.failures.isEmpty()) << host.failures.join(u'\n').toStdString();
+    EXPECT_TRUE(view.failures.isEmpty()) << view.failures.join(u'\n').toStdString();
 
     EXPECT_EQ(results[0].size(), tracks[0].size());
     for (std::size_t i = 1; i < tracks.size(); ++i)
@@ -139,8 +142,8 @@ TEST_F(MixTest, TheMixIsTheTracksOverlappedSampleForSample) {
 }
 
 TEST_F(MixTest, SoItIsWithEveryStepTicked) {
-    host.chosen.trimSilence = host.chosen.normalize = true;
-    host.chosen.fadeOut = host.chosen.fadeIn = true;
+    view.chosen.trimSilence = view.chosen.normalize = true;
+    view.chosen.fadeOut = view.chosen.fadeIn = true;
     session.settings.fadeOutMs = session.settings.fadeInMs = 5000;
     track(u"A.mp3"_s, 12.0, {u"-b:a"_s, u"128k"_s});
     track(u"B.ogg"_s, 13.3, {u"-c:a"_s, u"libvorbis"_s});
@@ -148,7 +151,7 @@ TEST_F(MixTest, SoItIsWithEveryStepTicked) {
     const auto tracks = decoded(run(u"plain"_s, false));
     session.settings.crossfade_value = 5000;
     expectMix(tracks, decoded(run(u"mix"_s, true)), 5 * Rate);
-    EXPECT_TRUE(host.failures.isEmpty()) << host.failures.join(u'\n').toStdString();
+    EXPECT_TRUE(view.failures.isEmpty()) << view.failures.join(u'\n').toStdString();
 }
 
 TEST_F(MixTest, ATrackShorterThanTheOverlapStaysWhole) {
@@ -159,8 +162,8 @@ TEST_F(MixTest, ATrackShorterThanTheOverlapStaysWhole) {
     session.settings.crossfade_value = 3000;
     const auto results = decoded(run(u"mix"_s, true));
     ASSERT_EQ(results.size(), 3U);
-    ASSERT_EQ(host.failures.size(), 1) << host.failures.join(u'\n').toStdString();
-    EXPECT_TRUE(host.failures.first().contains(u"B.wav"_s));
+    ASSERT_EQ(view.failures.size(), 1) << view.failures.join(u'\n').toStdString();
+    EXPECT_TRUE(view.failures.first().contains(u"B.wav"_s));
     // Nothing would be left of B without its head, so it keeps it and is not heard over A.
     EXPECT_EQ(results[0], tracks[0]);
     // C's head ends where B ends, as ever; what of it lies before B's beginning has no place.
@@ -172,14 +175,14 @@ TEST_F(MixTest, ATrackShorterThanTheOverlapStaysWhole) {
         support::maxDifference(results[1], overlapped({tracks[1], head}, head.size(), shared)),
         1.01 * OneStep);
     EXPECT_EQ(results[2], Samples(tracks[2].begin() + 3 * Rate * Channels, tracks[2].end()));
-    EXPECT_EQ(host.burnQuestions, 1);
+    EXPECT_EQ(view.burnQuestions, 1);
 }
 
 TEST_F(MixTest, FiftySecondsOfOverlapOnShortTracksEndInOrder) {
     for (const QString& name : {u"A.wav"_s, u"B.wav"_s, u"C.wav"_s}) track(name, 2.0);
     session.settings.crossfade_value = 50000;
     run(u"mix"_s, true);
-    EXPECT_EQ(host.burnQuestions, 1);
+    EXPECT_EQ(view.burnQuestions, 1);
     EXPECT_EQ(session.List1.rowCount(), 3);
 }
 
@@ -187,14 +190,14 @@ TEST_F(MixTest, ASingleTrackStaysAsItIs) {
     track(u"A.wav"_s, 3.0);
     const auto tracks = decoded(run(u"plain"_s, false));
     EXPECT_EQ(decoded(run(u"mix"_s, true)), tracks);
-    EXPECT_EQ(host.burnQuestions, 1);
+    EXPECT_EQ(view.burnQuestions, 1);
 }
 
 /// Takes a head file away between the two rounds.
-class HeadTaker : public support::RecordingHost {
+class HeadTaker : public support::RecordingView {
   public:
     QString head;
-    void showStatus(const QString& text) override {
+    void setStatus(const QString& text) override {
         if (text.contains(u"second round"_s)) QFile::remove(head);
     }
 };
@@ -204,11 +207,13 @@ TEST_F(MixTest, AMissingHeadFileLeavesTheTrackAsItIsAndTheRoundGoesOn) {
     const auto tracks = decoded(run(u"plain"_s, false));
     session.settings.crossfade_value = 1000;
     HeadTaker taker;
-    taker.chosen = host.chosen;
+    taker.chosen = view.chosen;
     taker.chosen.targetPath = folder.file(u"mix/"_s);
     taker.chosen.crossFade = true;
     taker.head = folder.file(u"mix/1_B.wav"_s);
-    wizard::TransformationPass(editor, session, taker).run();
+    wizard::TransformationPass pass(editor, session, taker.all());
+    EXPECT_EQ(pass.reasonAgainst(), QString());
+    pass.run();
     const auto results = decoded(session.List1.stringList());
     EXPECT_EQ(results[0], tracks[0]);
     EXPECT_EQ(taker.failures.size(), 1);
@@ -228,11 +233,11 @@ TEST_F(MixTest, AStaleHeadOfAnEarlierRunIsNeverHeard) {
     QFile::remove(folder.file(u"mix/B.wav"_s));
     const auto results = run(u"mix"_s, true);
     EXPECT_EQ(decoded({results[0]}).front(), tracks[0]);
-    EXPECT_EQ(host.failures.size(), 2);
+    EXPECT_EQ(view.failures.size(), 2);
 }
 
 TEST_F(MixTest, OriginalsAreOnlyRead) {
-    host.chosen.normalize = host.chosen.trimSilence = true;
+    view.chosen.normalize = view.chosen.trimSilence = true;
     std::map<QString, std::vector<std::byte>> before;
     for (const QString& name : {u"Ä 'quoted' \"name\".wav"_s, u"B.mp3"_s, u"C.flac"_s}) {
         const QString path = track(name, 4.0,
@@ -247,13 +252,13 @@ TEST_F(MixTest, OriginalsAreOnlyRead) {
         EXPECT_EQ(support::readBytes(platform::toPath(path)), bytes);
     EXPECT_EQ(results.at(2), folder.file(u"mix/C.fwav"_s));
     EXPECT_EQ(decoded(results).size(), 3U);
-    EXPECT_TRUE(host.failures.isEmpty()) << host.failures.join(u'\n').toStdString();
+    EXPECT_TRUE(view.failures.isEmpty()) << view.failures.join(u'\n').toStdString();
 }
 
 TEST_F(MixTest, TheFadesRunToAndFromATenth) {
     track(u"A.wav"_s, 10.0);
     const auto plain = decoded(run(u"plain"_s, false)).front();
-    host.chosen.fadeOut = host.chosen.fadeIn = true;
+    view.chosen.fadeOut = view.chosen.fadeIn = true;
     session.settings.fadeOutMs = session.settings.fadeInMs = 4000;
     const auto faded = decoded(run(u"mix"_s, false)).front();
     ASSERT_EQ(faded.size(), plain.size());
@@ -272,7 +277,7 @@ TEST_F(MixTest, TheFadesRunToAndFromATenth) {
 }
 
 TEST_F(MixTest, NormalizesToFullScale) {
-    host.chosen.normalize = true;
+    view.chosen.normalize = true;
     track(u"A.wav"_s, 2.0);
     const auto sound = decoded(run(u"mix"_s, false)).front();
     const auto [low, high] = std::ranges::minmax_element(sound);
@@ -287,14 +292,14 @@ TEST_F(MixTest, WritesTheChosenFormat) {
                                            u"-of"_s, u"csv=p=0"_s, file})
             .out.trimmed();
     };
-    host.chosen.frequency = u"11050"_s;
-    host.chosen.bitRate = u"8-bit"_s;
-    host.chosen.channels = u"Mono"_s;
+    view.chosen.frequency = u"11050"_s;
+    view.chosen.bitRate = u"8-bit"_s;
+    view.chosen.channels = u"Mono"_s;
     EXPECT_EQ(probe(run(u"mix"_s, false).first()), "pcm_u8,11025,1,88200");
-    host.chosen.format = u"MP3"_s;
-    host.chosen.frequency = u"48000"_s;
-    host.chosen.bitRate = u"192-bit"_s;
-    host.chosen.channels = u"Stereo"_s;
+    view.chosen.format = u"MP3"_s;
+    view.chosen.frequency = u"48000"_s;
+    view.chosen.bitRate = u"192-bit"_s;
+    view.chosen.channels = u"Stereo"_s;
     EXPECT_EQ(probe(run(u"mix"_s, false).first()), "mp3,48000,2,192000");
 }
 
@@ -305,12 +310,12 @@ TEST_F(MixTest, KeepsOrStripsTheTags) {
             .out.trimmed();
     };
     track(u"A.mp3"_s, 3.0, {u"-b:a"_s, u"128k"_s, u"-metadata"_s, u"title=Kept"_s});
-    host.chosen.format = u"MP3"_s;
-    host.chosen.bitRate = u"128-bit"_s;
+    view.chosen.format = u"MP3"_s;
+    view.chosen.bitRate = u"128-bit"_s;
     EXPECT_EQ(title(run(u"mix"_s, false).first()), "Kept");
-    host.chosen.tags = wizard::TagChoice::SetNew;
+    view.chosen.tags = wizard::TagChoice::SetNew;
     EXPECT_EQ(title(run(u"mix"_s, false).first()), "Kept");
-    host.chosen.tags = wizard::TagChoice::Strip;
+    view.chosen.tags = wizard::TagChoice::Strip;
     EXPECT_EQ(title(run(u"mix"_s, false).first()), "");
 }
 
@@ -325,16 +330,16 @@ TEST_F(MixTest, AnUnreadableFileIsPassedOverAndNamed) {
     EXPECT_EQ(results.size(), 4);
     EXPECT_TRUE(QFile::exists(results.at(0)) && QFile::exists(results.at(3)));
     EXPECT_FALSE(QFile::exists(results.at(1)) || QFile::exists(results.at(2)));
-    ASSERT_EQ(host.failures.size(), 2);
-    EXPECT_TRUE(host.failures.first().contains(u"broken.wav"_s));
-    EXPECT_EQ(host.completed, 1);
+    ASSERT_EQ(view.failures.size(), 2);
+    EXPECT_TRUE(view.failures.first().contains(u"broken.wav"_s));
+    EXPECT_EQ(view.completed, 1);
 }
 
 TEST_F(MixTest, ATargetFolderThatIsNotThereFailsEveryFileAndHarmsNone) {
     track(u"A.wav"_s, 3.0);
     run(u"nowhere/at/all"_s, false);
-    EXPECT_EQ(host.failures.size(), 1);
-    EXPECT_EQ(host.completed, 1);
+    EXPECT_EQ(view.failures.size(), 1);
+    EXPECT_EQ(view.completed, 1);
 }
 
 TEST_F(MixTest, Mp3FilesJoinWithoutAGapOrAClick) {
@@ -346,8 +351,8 @@ TEST_F(MixTest, Mp3FilesJoinWithoutAGapOrAClick) {
     }
     session.settings.crossfade_value = 5000;
     const Samples wanted = joined(decoded(run(u"plain"_s, true)));
-    host.chosen.format = u"MP3"_s;
-    host.chosen.bitRate = u"192-bit"_s;
+    view.chosen.format = u"MP3"_s;
+    view.chosen.bitRate = u"192-bit"_s;
     const QStringList results = run(u"mix"_s, true);
     std::vector<Samples> heard;
     for (const QString& file : results)

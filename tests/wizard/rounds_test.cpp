@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/FakeEditor.h"
-#include "tests/wizard/RecordingHost.h"
+#include "tests/wizard/RecordingView.h"
 #include "wizard/CrossFadeRounds.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -15,13 +15,13 @@ class RoundsTest : public testing::Test {
   protected:
     QStringList run(const QStringList& results) {
         session.List1.setStringList(results);
-        wizard::CrossFadeRounds(editor, session, host).run();
+        wizard::CrossFadeRounds(editor, session, view.all()).run();
         return editor.calls;
     }
 
     support::FakeEditor editor;
     wizard::Session session;
-    support::RecordingHost host;
+    support::RecordingView view;
 };
 
 const QStringList Three = {u"/out/A.wav"_s, u"/out/B.wav"_s, u"/out/C.wav"_s};
@@ -60,10 +60,10 @@ TEST_F(RoundsTest, OverlapsThreeTracksByTwentySecondsUnlessTold) {
     EXPECT_EQ(
         editor.calls.filter(u"MixFile"_s),
         (QStringList{u"MixFile(/out/1_B.wav, 100, 100)"_s, u"MixFile(/out/2_C.wav, 100, 100)"_s}));
-    EXPECT_EQ(host.selectedResults, (QList<int>{1, 2, 0, 1}));
-    EXPECT_TRUE(host.resultsShown);
+    EXPECT_EQ(view.selectedResults, (QList<int>{1, 2, 0, 1}));
+    EXPECT_TRUE(view.resultsShown);
     EXPECT_EQ(
-        host.statuses,
+        view.statuses,
         (QStringList{u"Status: starting first round of the 'pre-burn crossfade process' ..."_s,
                      u"Status: starting second round of the 'pre-burn crossfade process' ..."_s,
                      u"Status: idle"_s}));
@@ -71,7 +71,7 @@ TEST_F(RoundsTest, OverlapsThreeTracksByTwentySecondsUnlessTold) {
 
 TEST_F(RoundsTest, ASingleEntryRunsNeitherLoopButIsOfferedForBurning) {
     EXPECT_EQ(run({u"/out/A.wav"_s}), (QStringList{u"CloseSound()"_s, u"CloseSound()"_s}));
-    EXPECT_EQ(host.burnQuestions, 1);
+    EXPECT_EQ(view.burnQuestions, 1);
 }
 
 TEST_F(RoundsTest, AnOverlapLongerThanTheTrackStartsBeforeIt) {
@@ -86,7 +86,7 @@ TEST_F(RoundsTest, AStartThatIsNoPositionEndsTheRound) {
     run(Three);
     EXPECT_TRUE(editor.calls.filter(u"MixFile"_s).isEmpty());
     EXPECT_FALSE(editor.calls.contains(u"Save(/out/A.wav, false, 0)"_s));
-    EXPECT_EQ(host.burnQuestions, 1);
+    EXPECT_EQ(view.burnQuestions, 1);
 }
 
 TEST_F(RoundsTest, AMissingHeadFileLeavesTheTrackAsItIs) {
@@ -102,7 +102,7 @@ TEST_F(RoundsTest, AHeadThatCouldNotBeWrittenStaysOnItsTrack) {
     EXPECT_EQ(editor.calls.count(u"DeleteSelection()"_s), 1);  // C's alone
     EXPECT_FALSE(editor.calls.contains(u"MixFile(/out/1_B.wav, 100, 100)"_s));
     EXPECT_TRUE(editor.calls.contains(u"MixFile(/out/2_C.wav, 100, 100)"_s));
-    EXPECT_EQ(host.failures.size(), 1);
+    EXPECT_EQ(view.failures.size(), 1);
 }
 
 TEST_F(RoundsTest, AHeadIsNotHeardTwiceWhenItsTrackCouldNotBeCut) {
@@ -125,23 +125,23 @@ TEST_F(RoundsTest, StopEndsARoundAfterTheEntryInHand) {
 
 TEST_F(RoundsTest, NoWritesNoBurnList) {
     run(Three);
-    EXPECT_EQ(host.burnQuestions, 1);
-    EXPECT_TRUE(host.burned.isEmpty());
+    EXPECT_EQ(view.burnQuestions, 1);
+    EXPECT_TRUE(view.burned.isEmpty());
 }
 
 TEST_F(RoundsTest, YesHandsTheChangedTracksOverInOrder) {
-    host.burnAnswer = true;
+    view.burnAnswer = true;
     run(Three);
-    EXPECT_EQ(host.burned, Three);
-    EXPECT_EQ(host.selectedResults, (QList<int>{1, 2, 0, 1, 0, 1, 2}));
+    EXPECT_EQ(view.burned, Three);
+    EXPECT_EQ(view.selectedResults, (QList<int>{1, 2, 0, 1, 0, 1, 2}));
 }
 
 TEST_F(RoundsTest, AWindowThatGoesAwayIsAskedNothing) {
     editor.during = [&](const QString& call) {
-        if (call.startsWith(u"DeleteSelection"_s)) host.closed = true;
+        if (call.startsWith(u"DeleteSelection"_s)) view.closed = true;
     };
     run(Three);
-    EXPECT_EQ(host.burnQuestions, 0);
+    EXPECT_EQ(view.burnQuestions, 0);
     EXPECT_TRUE(editor.calls.filter(u"MixFile"_s).isEmpty());
 }
 

@@ -18,6 +18,7 @@
 #include "wizard/Genres.h"
 #include "wizard/OutputFormat.h"
 #include "wizard/form/MixPreview.h"
+#include "wizard/form/RunBar.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -43,6 +44,7 @@ frmFadeWizard2::frmFadeWizard2(std::unique_ptr<effects::Editor> editor, QWidget*
     AudioEditor1->setParent(this);
     AudioEditor1->setObjectName(u"AudioEditor1"_s);
     ui_->setupUi(this);
+    bar_ = std::make_unique<RunBar>(*ui_);
     preview_ = new MixPreview(ui_->timelinePane);
     ui_->timelineLayout->addWidget(preview_);
     buildEffectChecks();

@@ -10,7 +10,7 @@
 #include <QUrl>
 
 #include "wizard/EffectTable.h"
-#include "wizard/Host.h"
+#include "wizard/RunView.h"
 #include "wizard/Session.h"
 
 class QCheckBox;
@@ -32,6 +32,7 @@ class CommonDialog;
 namespace wizard {
 
 class MixPreview;
+class RunBar;
 
 /// The cross-fade wizard's window: it turns a playlist into new files in a target folder. Its
 /// controls are those of frmFadeWizard2.ui and one check box for each row of the effect table; it
@@ -39,7 +40,7 @@ class MixPreview;
 ///
 /// Created for one visit: when it is closed, a run in it ends after the file in hand, and then the
 /// window deletes itself.
-class frmFadeWizard2 : public QMainWindow, private Host {
+class frmFadeWizard2 : public QMainWindow, private RunView {
     Q_OBJECT
   public:
     /// The engine that does the work becomes the window's own.
@@ -103,18 +104,10 @@ class frmFadeWizard2 : public QMainWindow, private Host {
     void updatePreview();
 
     Options options() const override;
-    bool abandoned() const override { return closing_; }
-    void showStatus(const QString& text) override;
-    void setFileMaximum(int files) override;
-    void setFileProgress(int files) override;
-    void setEngineProgress(int percent) override;
     void selectFile(int index) override;
     void showResults() override;
     void selectResult(int index) override;
     void stepFailed(const QString& sentence) override;
-    void refuse(const QString& reason) override;
-    void sayCompleted() override;
-    bool askReadyToBurn() override;
     void burn(const QStringList& results) override;
 
     bool ticked(int checkBox) const;
@@ -125,6 +118,7 @@ class frmFadeWizard2 : public QMainWindow, private Host {
     widgets::CommonDialog* CommonDialog1;
     QTimer* Timer1;
     MixPreview* preview_;
+    std::unique_ptr<RunBar> bar_;
     std::vector<QCheckBox*> effectChecks_;  ///< in the order of the effect table
     bool running_ = false;
     bool closing_ = false;

@@ -1,17 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The wizard's run: the start button, and what the pass and the rounds ask of the window.
 #include <QCheckBox>
+#include <QCoreApplication>
 #include <QScopeGuard>
 
 #include "effects/engine/Editor.h"
 #include "handoff/HandoffFiles.h"
 #include "platform/Paths.h"
 #include "platform/StartProgram.h"
+#include "ports/window/WindowBoxes.h"
+#include "ports/window/WindowEvents.h"
 #include "ui_frmFadeWizard2.h"
-#include "widgets/MsgBox.h"
-#include "wizard/Texts.h"
 #include "wizard/TransformationPass.h"
 #include "wizard/form/MixPreview.h"
+#include "wizard/form/RunBar.h"
 #include "wizard/form/frmFadeWizard2.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -35,7 +37,12 @@ void frmFadeWizard2::Button7_Click() {
     ui_->Button7->setEnabled(false);
     preview_->clearFailures();
     const auto atTheEnd = qScopeGuard([this] { runEnded(); });
-    TransformationPass(*AudioEditor1, session_, *this).run();
+    ports::WindowBoxes boxes(*this);
+    ports::WindowEvents events(closing_);
+    TransformationPass pass(*AudioEditor1, session_, {*this, *bar_, boxes, events});
+    if (const QString reason = pass.reasonAgainst(); !reason.isEmpty())
+        return boxes.showMessage(reason);
+    pass.run();
 }
 
 void frmFadeWizard2::runEnded() {
@@ -50,10 +57,10 @@ void frmFadeWizard2::Button6_Click() {
 }
 
 void frmFadeWizard2::AudioEditor1_Progress(int percent) {
-    setEngineProgress(percent);
+    bar_->setFraction(percent / 100.0);
     QCoreApplication::processEvents();
     if (percent < 100) return;
-    setEngineProgress(0);
+    bar_->setFraction(0);
     QCoreApplication::processEvents();
 }
 
@@ -93,22 +100,6 @@ Options frmFadeWizard2::options() const {
     return options;
 }
 
-void frmFadeWizard2::showStatus(const QString& text) {
-    ui_->lblStaus->setText(text);
-}
-
-void frmFadeWizard2::setFileMaximum(int files) {
-    ui_->AmpBar->setMaximum(files);
-}
-
-void frmFadeWizard2::setFileProgress(int files) {
-    ui_->AmpBar->setValue(files);
-}
-
-void frmFadeWizard2::setEngineProgress(int percent) {
-    ui_->AmpBar2->setValue(percent);
-}
-
 void frmFadeWizard2::selectFile(int index) {
     selectRow(ui_->lstFiles2, index);
     selectRow(ui_->lstFiles, index);
@@ -127,20 +118,6 @@ void frmFadeWizard2::selectResult(int index) {
 
 void frmFadeWizard2::stepFailed(const QString& sentence) {
     preview_->addFailure(sentence);
-}
-
-void frmFadeWizard2::refuse(const QString& reason) {
-    widgets::msgBox(reason);
-}
-
-void frmFadeWizard2::sayCompleted() {
-    widgets::msgBox(texts::Completed.toString());
-}
-
-bool frmFadeWizard2::askReadyToBurn() {
-    return widgets::msgBox(texts::BurnQuestion.toString(), widgets::MsgButtons::YesNo,
-                           widgets::MsgIcon::Question,
-                           texts::BurnTitle.toString()) == widgets::MsgResult::Yes;
 }
 
 void frmFadeWizard2::burn(const QStringList& results) {

@@ -9,9 +9,9 @@ namespace cli {
 
 /// One call of the program: the options that every command shares, and its report. Commands keep a
 /// reference to it; it outlives the parsing and the command that the parsing runs.
-class Session {
+class Invocation {
   public:
-    Session(std::ostream& out, std::ostream& err) : out_(out), err_(err) {}
+    Invocation(std::ostream& out, std::ostream& err) : out_(out), err_(err) {}
 
     bool json = false;  ///< --json: one JSON object a line, for programs
 

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "cli/Session.h"
+#include "cli/Invocation.h"
 
 #include "platform/Terminal.h"
 
 namespace cli {
 
-Report& Session::report() {
+Report& Invocation::report() {
     if (!report_) {
         const auto lines = platform::onTerminal() ? Report::Style::Terminal : Report::Style::Plain;
         report_.emplace(json ? Report::Style::Json : lines, out_, err_);
@@ -13,7 +13,7 @@ Report& Session::report() {
     return *report_;
 }
 
-int Session::exitCode() const {
+int Invocation::exitCode() const {
     return report_ && report_->failures() > 0 ? 1 : 0;
 }
 
