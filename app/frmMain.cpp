@@ -17,6 +17,7 @@
 #include "effects/dialogs/EffectDialogs.h"
 #include "effects/engine/AudioEditor.h"
 #include "platform/Paths.h"
+#include "platform/Program.h"
 #include "platform/ResumeNext.h"
 #include "player/deck/Deck.h"
 #include "player/deck/Displays.h"
@@ -75,6 +76,7 @@ frmMain::frmMain(QWidget* parent)
       Timer1(widgets::named<QTimer>(u"Timer1"_s, this)),
       Timer2(widgets::named<QTimer>(u"Timer2"_s, this)) {
     ui_->setupUi(this);
+    setWindowTitle(u"%1 v%2"_s.arg(platform::programTitle(), platform::programVersion()));
     setGlyphs(*ui_);
     ui_->ListView1->setColumns({u"Track"_s, u"Duration"_s, u"Title"_s});
     ui_->ListView2->setColumns({u"Index"_s, u"Duration"_s, u"Title"_s});

@@ -8,6 +8,7 @@
 #include "app/frmMain.h"
 #include "player/engine/PlayerEngine.h"
 #include "ui_frmMain.h"
+#include "widgets/Dispatch.h"
 
 namespace app {
 
@@ -69,10 +70,11 @@ const std::vector<frmMain::Command>& frmMain::commands() {
 void frmMain::connectCommands() {
     for (const Command& command : commands()) {
         const QString name = QString::fromLatin1(command.control);
+        const auto handler = widgets::guarded(this, command.handler);
         if (auto* button = findChild<QAbstractButton*>(name)) {
-            connect(button, &QAbstractButton::clicked, this, command.handler);
+            connect(button, &QAbstractButton::clicked, this, handler);
         } else if (auto* item = findChild<QAction*>(name)) {
-            connect(item, &QAction::triggered, this, command.handler);
+            connect(item, &QAction::triggered, this, handler);
         } else {
             qFatal("The command map names a control that the window lacks: %s", command.control);
         }
@@ -80,27 +82,29 @@ void frmMain::connectCommands() {
 }
 
 void frmMain::connectEvents() {
-    connect(Timer1, &QTimer::timeout, this, &frmMain::Timer1_Timer);
-    connect(Timer2, &QTimer::timeout, this, &frmMain::Timer2_Timer);
-    connect(ui_->Slider1, &widgets::SkinSlider::Changed, this, &frmMain::Slider1_Change);
+    connect(Timer1, &QTimer::timeout, this, widgets::guarded(this, &frmMain::Timer1_Timer));
+    connect(Timer2, &QTimer::timeout, this, widgets::guarded(this, &frmMain::Timer2_Timer));
+    connect(ui_->Slider1, &widgets::SkinSlider::Changed, this,
+            widgets::guarded(this, &frmMain::Slider1_Change));
     connect(ui_->SliderVolume1, &widgets::SkinSlider::Changed, this,
-            &frmMain::SliderVolume1_Change);
+            widgets::guarded(this, &frmMain::SliderVolume1_Change));
     connect(ui_->PictureWaveform1, &widgets::PictureBox::pointed, this,
-            &frmMain::PictureWaveform1_Pointed);
+            widgets::guarded(this, &frmMain::PictureWaveform1_Pointed));
     connect(ui_->ListView1, &widgets::ListView::rowDoubleClicked, this,
-            &frmMain::ListView1_DblClick);
-    connect(ui_->ListView1, &widgets::ListView::scrolled, this, &frmMain::ListView1_Scrolled);
+            widgets::guarded(this, &frmMain::ListView1_DblClick));
+    connect(ui_->ListView1, &widgets::ListView::scrolled, this,
+            widgets::guarded(this, &frmMain::ListView1_Scrolled));
     connect(ui_->ListView1, &widgets::ListView::filesDropped, this,
-            &frmMain::ListView1_FilesDropped);
+            widgets::guarded(this, &frmMain::ListView1_FilesDropped));
     using player::PlayerEngine;
     connect(PlayerEngine1, &PlayerEngine::PlaybackStarted, this,
-            &frmMain::PlayerEngine1_PlaybackStarted);
+            widgets::guarded(this, &frmMain::PlayerEngine1_PlaybackStarted));
     connect(PlayerEngine1, &PlayerEngine::NowPlayingChanged, this,
-            &frmMain::PlayerEngine1_NowPlayingChanged);
+            widgets::guarded(this, &frmMain::PlayerEngine1_NowPlayingChanged));
     connect(PlayerEngine1, &PlayerEngine::PlaybackEnded, this,
-            &frmMain::PlayerEngine1_PlaybackEnded);
+            widgets::guarded(this, &frmMain::PlayerEngine1_PlaybackEnded));
     connect(PlayerEngine1, &PlayerEngine::ItemInfoChanged, this,
-            &frmMain::PlayerEngine1_ItemInfoChanged);
+            widgets::guarded(this, &frmMain::PlayerEngine1_ItemInfoChanged));
 }
 
 }  // namespace app

@@ -15,6 +15,7 @@
 #include "effects/engine/AudioEditor.h"
 #include "platform/ResumeNext.h"
 #include "ui_frmMain.h"
+#include "widgets/Dispatch.h"
 #include "widgets/MsgBox.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -46,7 +47,8 @@ void frmMain::buildEffects() {
         [this](bool enabled) { dialogs_->setEnabled(enabled); }});
     runner_ = std::make_unique<effects::BatchRunner>(*AudioEditor1, ports_->all(), *controls_);
     dialogs_ = std::make_unique<effects::EffectDialogs>(*runner_, this);
-    connect(AudioEditor1, &effects::AudioEditor::Progress, this, &frmMain::AudioEditor1_Progress);
+    connect(AudioEditor1, &effects::Editor::Progress, this,
+            widgets::guarded(this, &frmMain::AudioEditor1_Progress));
     auto* common = new QMenu(this);
     common->addActions({ui_->mnuAmpMinus_Selected, ui_->mnuAmpPlus_Selected,
                         ui_->mnuNormalize_selected, ui_->mnuSilence2Frt, ui_->mnuAdd_Silence_end});

@@ -13,6 +13,7 @@
 #include "cli/commands/Effect.h"
 #include "cli/commands/Show.h"
 #include "cli/commands/Transform.h"
+#include "platform/Program.h"
 
 namespace cli {
 namespace {
@@ -36,7 +37,7 @@ int runCommandLine(int argc, const char* const* argv) {
     Invocation invocation(std::cout, std::cerr);
     CLI::App app("Works on playlists and sound files without a window.", "tracksmith-cli");
     app.add_flag("--json", invocation.json, "One JSON object a line, for programs");
-    app.set_version_flag("--version", TRACKSMITH_VERSION);
+    app.set_version_flag("--version", platform::programVersion().toStdString());
     app.require_subcommand(1);
     app.fallthrough();  // so that the shared options may stand behind the command
     addCommands(app, invocation);

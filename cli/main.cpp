@@ -3,10 +3,11 @@
 
 #include "cli/CommandLine.h"
 #include "platform/Interrupt.h"
+#include "platform/Program.h"
 
 int main(int argc, char** argv) {
     platform::watchForInterrupt();
     const QCoreApplication application(argc, argv);
-    QCoreApplication::setApplicationName(QStringLiteral("tracksmith"));
+    QCoreApplication::setApplicationName(platform::programName());
     return cli::runCommandLine(argc, argv);
 }

@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "widgets/Application.h"
 
-#include <exception>
-
+#include "platform/Program.h"
+#include "widgets/Dispatch.h"
 #include "widgets/MsgBox.h"
 
 namespace widgets {
-namespace {
-
 void showUnhandled(const QString& sentence) {
     // The box needs the event loop, and the handler that failed may lie in the middle of one.
     QMetaObject::invokeMethod(
@@ -15,27 +13,20 @@ void showUnhandled(const QString& sentence) {
         Qt::QueuedConnection);
 }
 
-}  // namespace
-
 Application::Application(int& argc, char** argv) : QApplication(argc, argv) {
-    setApplicationName(QStringLiteral("tracksmith"));
-    setDesktopFileName(QStringLiteral("tracksmith"));
-    setApplicationVersion(QStringLiteral("5.8"));
+    setApplicationName(platform::programName());
+    setDesktopFileName(platform::programName());
+    setApplicationVersion(platform::programVersion());
 }
 
 QString Application::title() {
-    return QStringLiteral("Tracksmith");
+    return platform::programTitle();
 }
 
 bool Application::notify(QObject* receiver, QEvent* event) {
-    try {
-        return QApplication::notify(receiver, event);
-    } catch (const std::exception& error) {
-        showUnhandled(QString::fromUtf8(error.what()));
-    } catch (...) {
-        showUnhandled(QStringLiteral("The command failed for an unknown reason."));
-    }
-    return true;
+    bool handled = true;
+    dispatch([&] { handled = QApplication::notify(receiver, event); });
+    return handled;
 }
 
 }  // namespace widgets

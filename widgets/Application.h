@@ -5,8 +5,8 @@
 
 namespace widgets {
 
-/// The application object, and the place of the error style "unhandled": an exception that escapes
-/// an event handler ends that handler, is shown in a message box, and the event loop goes on.
+/// The application object. What escapes an event handler that is no dispatched command ends as one
+/// does (see Dispatch.h).
 class Application : public QApplication {
     Q_OBJECT
   public:

@@ -7,6 +7,7 @@
 #include <QVariantMap>
 
 #include "app/mediakeys/MediaKeys.h"
+#include "platform/Program.h"
 
 namespace app {
 
@@ -31,8 +32,8 @@ class MediaPlayer2 : public QDBusAbstractAdaptor {
 
     bool yes() const { return true; }
     bool no() const { return false; }
-    QString identity() const { return QStringLiteral("Tracksmith"); }
-    QString desktopEntry() const { return QStringLiteral("tracksmith"); }
+    QString identity() const { return platform::programTitle(); }
+    QString desktopEntry() const { return platform::programName(); }
     QStringList none() const { return {}; }
 
   public Q_SLOTS:

@@ -35,11 +35,7 @@ std::string refuseOtherExtensions(const std::string& path) {
 }
 
 /// What the list says of a file, and where it says nothing, what the file does.
-player::Entry complete(const lists::ListedEntry& listed) {
-    player::Entry entry;
-    entry.path = listed.path;
-    entry.title = listed.title;
-    entry.durationMs = listed.durationMs;
+lists::ListedEntry complete(lists::ListedEntry entry) {
     if (lists::isUrl(entry.path) || (!entry.title.isEmpty() && entry.durationMs >= 0)) return entry;
     const audio::tags::TrackInfo info = audio::tags::readTrackInfo(platform::toPath(entry.path));
     if (entry.title.isEmpty()) entry.title = QString::fromStdString(info.title);
@@ -47,14 +43,10 @@ player::Entry complete(const lists::ListedEntry& listed) {
     return entry;
 }
 
-QByteArray written(const std::vector<lists::ListedEntry>& listed, bool asPls) {
-    std::vector<player::Entry> entries;
-    for (const lists::ListedEntry& entry : listed) {
-        entries.emplace_back();
-        entries.back().path = entry.path;
-        if (asPls) entries.back() = complete(entry);
-    }
-    return asPls ? lists::writePls(entries) : lists::writeM3u(entries);
+QByteArray written(std::vector<lists::ListedEntry> entries, bool asPls) {
+    if (!asPls) return lists::writeM3u(entries);
+    for (lists::ListedEntry& entry : entries) entry = complete(std::move(entry));
+    return lists::writePls(entries);
 }
 
 void convertList(const ConvertArguments& arguments, Invocation& invocation) {

@@ -5,6 +5,7 @@
 #include <QSlider>
 
 #include "effects/dialogs/TypedValue.h"
+#include "widgets/Dispatch.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -24,8 +25,9 @@ void EffectForm::reject() {
 }
 
 void EffectForm::connectButtons(QAbstractButton* apply, QAbstractButton* cancel) {
-    connect(apply, &QAbstractButton::clicked, this, [this] { Command1_Click(); });
-    connect(cancel, &QAbstractButton::clicked, this, [this] { Command2_Click(); });
+    connect(apply, &QAbstractButton::clicked, this, widgets::guarded([this] { Command1_Click(); }));
+    connect(cancel, &QAbstractButton::clicked, this,
+            widgets::guarded([this] { Command2_Click(); }));
 }
 
 void EffectForm::makeEasy(QSlider* slider) {

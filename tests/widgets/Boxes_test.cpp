@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QLabel>
+#include <QPushButton>
 #include <QTimer>
 #include <gtest/gtest.h>
 
@@ -14,6 +15,7 @@
 #include "tests/support/Gui.h"
 #include "tests/support/TempFolder.h"
 #include "widgets/CommonDialog.h"
+#include "widgets/Dispatch.h"
 #include "widgets/FixedMessage.h"
 #include "widgets/FolderDialog.h"
 #include "widgets/InputBox.h"
@@ -200,4 +202,23 @@ TEST_F(Dialogs, PicksAFolder) {
     EXPECT_EQ(seen->title, u"Select target folder..."_s);
     support::cancelFileDialog();
     EXPECT_EQ(pickFolder(nullptr, u"Select target folder..."_s), QString());
+}
+
+// Nothing is thrown through the signal; the steps after the error are not taken, and the next press
+// works again.
+TEST(Dispatch, EndsACommandInsideItsSlotAndShowsWhy) {
+    QPushButton button;
+    int begun = 0;
+    int ended = 0;
+    QObject::connect(&button, &QAbstractButton::clicked, &button, guarded([&] {
+        if (++begun == 1) throw std::runtime_error("The disc is full.");
+        ++ended;
+    }));
+    const auto seen = support::answerMessageBox(QMessageBox::Ok);
+    EXPECT_NO_THROW(Q_EMIT button.clicked());
+    EXPECT_TRUE(support::waitFor([] { return support::allAnswered(); }));
+    EXPECT_EQ(seen->text, u"The disc is full."_s);
+    EXPECT_EQ(ended, 0);
+    Q_EMIT button.clicked();
+    EXPECT_EQ(ended, 1);
 }

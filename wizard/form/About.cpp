@@ -6,6 +6,8 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
+#include "platform/Program.h"
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace wizard {
@@ -33,7 +35,8 @@ void showAbout(QWidget* owner) {
     layout->setContentsMargins(20, 18, 20, 14);
     layout->setSpacing(10);
     addLine(layout, u"Cross Fade Wizard v2.7"_s, 1.5);
-    addLine(layout, u"Part of Tracksmith v5.8"_s, 1.0);
+    addLine(layout, u"Part of %1 v%2"_s.arg(platform::programTitle(), platform::programVersion()),
+            1.0);
     addLine(
         layout,
         u"Turns a playlist into a continuous mix: every track is trimmed, levelled and faded as "

@@ -13,6 +13,7 @@
 #include "platform/Paths.h"
 #include "ui_frmFadeWizard2.h"
 #include "widgets/CommonDialog.h"
+#include "widgets/Dispatch.h"
 #include "widgets/FitScreen.h"
 #include "widgets/Named.h"
 #include "wizard/Genres.h"
@@ -61,40 +62,50 @@ void frmFadeWizard2::buildEffectChecks() {
         check->setObjectName(u"Check%1"_s.arg(row.checkBox));
         const int place = static_cast<int>(effectChecks_.size());
         ui_->checksLayout->addWidget(check, place % Rows, place / Rows);
-        connect(check, &QCheckBox::toggled, this, [this, &row](bool on) { Check_Click(row, on); });
+        connect(check, &QCheckBox::toggled, this,
+                [this, &row](bool on) { widgets::dispatch([&] { Check_Click(row, on); }); });
         effectChecks_.push_back(check);
     }
 }
 
 void frmFadeWizard2::connectControls() {
+    using widgets::guarded;
     const auto click = [this](QAbstractButton* button, auto handler) {
         connect(button, &QAbstractButton::clicked, this, handler);
     };
-    click(ui_->Button1, &frmFadeWizard2::Button1_Click);
-    click(ui_->Button2, &frmFadeWizard2::Button2_Click);
-    click(ui_->Button3, &frmFadeWizard2::Button3_Click);
-    click(ui_->Button4, [this] { selectFile(ui_->Text1); });
-    click(ui_->Button5, [this] { selectFile(ui_->Text2); });
-    click(ui_->Button11, [this] { selectFile(ui_->Text3); });
-    click(ui_->Button8, [this] { ui_->Text1->clear(); });
-    click(ui_->Button9, [this] { ui_->Text2->clear(); });
-    click(ui_->Button12, [this] { ui_->Text3->clear(); });
-    click(ui_->Button6, &frmFadeWizard2::Button6_Click);
-    click(ui_->Button7, &frmFadeWizard2::Button7_Click);
-    click(ui_->Button10, &frmFadeWizard2::Button10_Click);
-    click(ui_->Button13, &frmFadeWizard2::Button13_Click);
-    click(ui_->Button14, &frmFadeWizard2::Button14_Click);
-    click(ui_->Button38, &frmFadeWizard2::Button38_Click);
-    connect(ui_->mnuAbout, &QAction::triggered, this, &frmFadeWizard2::Button14_Click);
-    connect(ui_->mnuUpdates, &QAction::triggered, this, &frmFadeWizard2::openSupportPage);
-    connect(ui_->mnuSupport, &QAction::triggered, this, &frmFadeWizard2::openSupportPage);
-    connect(ui_->Combo1, &QComboBox::currentTextChanged, this, &frmFadeWizard2::Combo1_Click);
-    connect(Timer1, &QTimer::timeout, this, &frmFadeWizard2::Timer1_Timer);
-    connect(AudioEditor1, &effects::Editor::Progress, this, &frmFadeWizard2::AudioEditor1_Progress);
+    click(ui_->Button1, guarded(this, &frmFadeWizard2::Button1_Click));
+    click(ui_->Button2, guarded(this, &frmFadeWizard2::Button2_Click));
+    click(ui_->Button3, guarded(this, &frmFadeWizard2::Button3_Click));
+    click(ui_->Button4, guarded([this] { selectFile(ui_->Text1); }));
+    click(ui_->Button5, guarded([this] { selectFile(ui_->Text2); }));
+    click(ui_->Button11, guarded([this] { selectFile(ui_->Text3); }));
+    click(ui_->Button8, guarded([this] { ui_->Text1->clear(); }));
+    click(ui_->Button9, guarded([this] { ui_->Text2->clear(); }));
+    click(ui_->Button12, guarded([this] { ui_->Text3->clear(); }));
+    click(ui_->Button6, guarded(this, &frmFadeWizard2::Button6_Click));
+    click(ui_->Button7, guarded(this, &frmFadeWizard2::Button7_Click));
+    click(ui_->Button10, guarded(this, &frmFadeWizard2::Button10_Click));
+    click(ui_->Button13, guarded(this, &frmFadeWizard2::Button13_Click));
+    click(ui_->Button14, guarded(this, &frmFadeWizard2::Button14_Click));
+    click(ui_->Button38, guarded(this, &frmFadeWizard2::Button38_Click));
+    connect(ui_->mnuAbout, &QAction::triggered, this,
+            guarded(this, &frmFadeWizard2::Button14_Click));
+    connect(ui_->mnuUpdates, &QAction::triggered, this,
+            guarded(this, &frmFadeWizard2::openSupportPage));
+    connect(ui_->mnuSupport, &QAction::triggered, this,
+            guarded(this, &frmFadeWizard2::openSupportPage));
+    connect(ui_->Combo1, &QComboBox::currentTextChanged, this,
+            guarded(this, &frmFadeWizard2::Combo1_Click));
+    connect(Timer1, &QTimer::timeout, this, guarded(this, &frmFadeWizard2::Timer1_Timer));
+    connect(AudioEditor1, &effects::Editor::Progress, this,
+            guarded(this, &frmFadeWizard2::AudioEditor1_Progress));
     const auto& files = session_.lstFiles;
-    connect(&files, &QAbstractItemModel::dataChanged, this, &frmFadeWizard2::updatePreview);
-    connect(&files, &QAbstractItemModel::rowsRemoved, this, &frmFadeWizard2::updatePreview);
-    connect(&files, &QAbstractItemModel::modelReset, this, &frmFadeWizard2::updatePreview);
+    connect(&files, &QAbstractItemModel::dataChanged, this,
+            guarded(this, &frmFadeWizard2::updatePreview));
+    connect(&files, &QAbstractItemModel::rowsRemoved, this,
+            guarded(this, &frmFadeWizard2::updatePreview));
+    connect(&files, &QAbstractItemModel::modelReset, this,
+            guarded(this, &frmFadeWizard2::updatePreview));
 }
 
 void frmFadeWizard2::Form_Load() {

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <exception>
+#include <utility>
+
+#include <QString>
+
+namespace widgets {
+
+/// Shows what ended a command, in a box of its own, as soon as the event loop is reached.
+void showUnhandled(const QString& sentence);
+
+/// The error style "unhandled": runs one command; whatever it throws ends it here, within the slot
+/// that called it (nothing may be thrown through Qt's signals), is shown, and the event loop goes
+/// on. No later step of that command runs. Window thread.
+template <class Command>
+void dispatch(Command&& command) noexcept {
+    try {
+        std::forward<Command>(command)();
+    } catch (const std::exception& error) {
+        showUnhandled(QString::fromUtf8(error.what()));
+    } catch (...) {
+        showUnhandled(QStringLiteral("The command failed for an unknown reason."));
+    }
+}
+
+/// A slot for connect() that dispatches a handler.
+template <class Receiver, class... Arguments>
+auto guarded(Receiver* receiver, void (Receiver::*handler)(Arguments...)) {
+    return [receiver, handler](Arguments... arguments) {
+        dispatch([&] { (receiver->*handler)(arguments...); });
+    };
+}
+template <class Handler>
+auto guarded(Handler handler) {
+    return [handler = std::move(handler)] { dispatch(handler); };
+}
+
+}  // namespace widgets
