@@ -11,9 +11,6 @@ set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_CXX_SCAN_FOR_MODULES OFF)
-set(CMAKE_AUTOMOC ON)
-set(CMAKE_AUTOUIC ON)
-set(CMAKE_AUTORCC ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 
 find_program(CCACHE ccache)
@@ -44,11 +41,15 @@ if(TRACKSMITH_SANITIZE)
   target_link_options(tracksmith_options INTERFACE -fsanitize=${TRACKSMITH_SANITIZE})
 endif()
 
-# tracksmith_folder(<target> SOURCES <files...> [LINKS <targets...>] [PRIVATE_LINKS <targets...>])
-# One folder is one static library; LINKS names all that its headers and sources may include.
+# tracksmith_folder(<target> [MOC] SOURCES <files...> [LINKS <targets...>] [PRIVATE_LINKS <targets...>])
+# One folder is one static library; LINKS names all that its headers and sources may include. MOC: it
+# has Q_OBJECT classes, forms or resources.
 function(tracksmith_folder target)
-  cmake_parse_arguments(arg "" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
+  cmake_parse_arguments(arg "MOC" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
   add_library(${target} STATIC ${arg_SOURCES})
+  if(arg_MOC)
+    set_target_properties(${target} PROPERTIES AUTOMOC ON AUTOUIC ON AUTORCC ON)
+  endif()
   target_link_libraries(${target} PUBLIC tracksmith_options ${arg_LINKS} PRIVATE ${arg_PRIVATE_LINKS})
 endfunction()
 
