@@ -20,12 +20,9 @@ std::vector<ListedEntry> read(const QByteArray& bytes) {
 }
 
 bool sameAgain(const std::vector<ListedEntry>& entries) {
-    std::vector<player::Entry> list;
-    for (const ListedEntry& entry : entries)
-        list.push_back({0, entry.path, entry.title, entry.durationMs});
     QByteArray bytes;
     try {
-        bytes = lists::writePls(list);
+        bytes = lists::writePls(entries);
     } catch (const platform::Error&) {
         return true;  // a name that no list can hold
     }
