@@ -14,30 +14,22 @@ namespace {
 
 constexpr std::size_t blockFrames = 16384;
 
-pcm::PcmFormat pcmFormatOf(pcm::SampleType type) {
-    switch (type) {
-        case pcm::SampleType::U8:
-            return pcm::PcmFormat::U8;
-        case pcm::SampleType::S16:
-            return pcm::PcmFormat::S16;
-        case pcm::SampleType::S24:
-            return pcm::PcmFormat::S24;
-        case pcm::SampleType::S32:
-            return pcm::PcmFormat::S32;
-        case pcm::SampleType::F64:
-            return pcm::PcmFormat::F64;
-        default:
-            return pcm::PcmFormat::F32;
-    }
+/// The bits of a sample's integers; 0 where it has none. PCM has room for whole bytes.
+int integerBits(const Format& format) {
+    if (format.sampleType == pcm::SampleType::F32 || format.sampleType == pcm::SampleType::F64)
+        return 0;
+    if (format.codec != Codec::Pcm) return format.bitsPerSample;
+    return 8 * static_cast<int>(pcm::bytesPerSample(format.sampleType));
 }
 
-// Of a lossless codec that is not PCM: the noise that PCM gets when it is turned into integers.
-void addDither(std::span<float> samples, int bits, std::uint64_t firstIndex) {
-    const float step = 1.0F / static_cast<float>(1 << (bits - 1));
-    for (float& sample : samples) {
-        if (sample != 0.0F) sample += step * pcm::ditherNoise(firstIndex);
-        ++firstIndex;
-    }
+/// Whether every sample of the source has its like in the output, so that untouched sound comes
+/// through as it is: integers of no more bits at the same rate, in as many channels or doubled.
+bool holdsAllOf(const Format& source, const Format& output) {
+    const bool sameFrames =
+        source.sampleRate == output.sampleRate &&
+        (source.channels == output.channels || (source.channels == 1 && output.channels == 2));
+    const int bits = integerBits(source);
+    return sameFrames && bits > 0 && bits <= integerBits(output);
 }
 
 }  // namespace
@@ -48,7 +40,8 @@ SoundFeed::SoundFeed(const SaveJob& job, write::Encoder& encoder, Work& work)
       work_(work),
       copiesPcm_(job.output.codec == Codec::Pcm && job.sameFormat()),
       converts_(job.list.shape() != Shape{job.output.sampleRate, job.output.channels}),
-      bits_(job.output.bitsPerSample) {}
+      keepsSamples_(holdsAllOf(job.source->format(), job.output)),
+      bits_(integerBits(job.output)) {}
 
 std::int64_t SoundFeed::run() {
     std::int64_t rendered = 0;
@@ -66,9 +59,9 @@ std::int64_t SoundFeed::run() {
 // Where nothing depends on what is untouched, all is one run: the encoder then gets the sound from
 // one reader that never stops reading ahead.
 std::vector<SoundFeed::Run> SoundFeed::runs() const {
-    const bool lossless = bits_ > 0;
+    const bool lossless = job_.output.bitsPerSample > 0;
     if (job_.list.frames() == 0) return {};
-    if (converts_ || !lossless) return {{{0, job_.list.frames()}, false, 0}};
+    if ((converts_ && !keepsSamples_) || !lossless) return {{{0, job_.list.frames()}, false, 0}};
     std::vector<Run> runs;
     std::int64_t position = 0;
     for (const Segment& segment : job_.list.segments()) {
@@ -95,8 +88,8 @@ void SoundFeed::render(const Run& run) {
     std::unique_ptr<FrameReader> reader = std::make_unique<EditReader>(job_.list.slice(run.range));
     if (converts_) reader = std::make_unique<ResampledReader>(std::move(reader), from, to);
     ReadAhead ahead(std::move(reader), to.channels);
-    // Untouched sound of a lossless codec comes out of it as it went in, without noise.
-    const bool dithered = bits_ > 0 && bits_ <= 16 && !run.untouched;
+    const bool asItIs = run.untouched && keepsSamples_;
+    const bool dithered = bits_ > 0 && bits_ <= 16 && !asItIs;
     std::vector<float> block(blockFrames * static_cast<std::size_t>(to.channels));
     std::int64_t counted = 0;
     while (const std::size_t got = ahead.read(block.data(), blockFrames)) {
@@ -124,14 +117,7 @@ void SoundFeed::store(std::span<float> interleaved, bool dithered) {
     const std::size_t frames = interleaved.size() / channels;
     const std::uint64_t firstIndex =
         noiseStart(interleaved) + static_cast<std::uint64_t>(written_) * channels;
-    if (job_.output.codec == Codec::Pcm) {
-        const pcm::PcmFormat format = pcmFormatOf(job_.output.sampleType);
-        bytes_.resize(interleaved.size() * pcm::bytesPerSample(format));
-        pcm::toPcm(interleaved, format, firstIndex, bytes_.data());
-        encoder_.writePcm(bytes_.data(), frames);
-        return;
-    }
-    if (dithered) addDither(interleaved, bits_, firstIndex);
+    if (dithered) pcm::addDither(interleaved, bits_, firstIndex);
     encoder_.write(interleaved.data(), frames);
 }
 

@@ -40,10 +40,10 @@ class SoundFeed {
     Work& work_;
     bool copiesPcm_;            ///< the output's samples are the source's, byte for byte
     bool converts_;             ///< rate or channels change
+    bool keepsSamples_;         ///< untouched samples have their like in the output
     int bits_;                  ///< of the output's integers; 0 where it has none
     std::int64_t written_ = 0;  ///< frames
     std::optional<std::uint64_t> noiseStart_;
-    std::vector<std::byte> bytes_;
 };
 
 }  // namespace audio::edit

@@ -5,84 +5,60 @@
 #include <cmath>
 
 #include "audio/FileError.h"
+#include "audio/pcm/Sample.h"
 
 namespace audio::ffmpeg {
 namespace {
 
 constexpr std::size_t blockOfFreeSize = 4'096;  // frames, for encoders that take any number
-constexpr double fullScale32 = 2147483648.0;
 constexpr std::int64_t leastOpusRate = 6'000;   // bit/s, RFC 6716, section 2.1.1
 constexpr std::int64_t mostOpusRate = 256'000;  // bit/s of each channel, libopus' limit
+
+int rankOf(pcm::SampleType candidate, const Format& format) {
+    const bool wide = format.bitsPerSample > 16;
+    switch (candidate) {
+        case pcm::SampleType::F32:
+            return format.sampleType == pcm::SampleType::Lossy ? 5 : 1;
+        case pcm::SampleType::S64:
+            return format.bitsPerSample > 32 ? 5 : 1;
+        case pcm::SampleType::S32:
+            return wide ? 4 : 2;
+        case pcm::SampleType::S16:
+            return wide ? 2 : 4;
+        case pcm::SampleType::U8:
+        case pcm::SampleType::S24:
+        case pcm::SampleType::F64:
+        case pcm::SampleType::Lossy:
+            break;
+    }
+    return 0;
+}
 
 /// The sample format of an encoder that loses least; integers of a lossless codec as many bits as
 /// the sound has.
 AVSampleFormat sampleFormatFor(const AVCodec& encoder, const Format& format) {
-    const auto rank = [&](AVSampleFormat candidate) {
-        const bool wide = format.bitsPerSample > 16;
-        switch (av_get_packed_sample_fmt(candidate)) {
-            case AV_SAMPLE_FMT_FLT:
-                return format.sampleType == pcm::SampleType::Lossy ? 5 : 1;
-            case AV_SAMPLE_FMT_DBL:
-                return 0;
-            case AV_SAMPLE_FMT_S32:
-                return wide ? 4 : 2;
-            case AV_SAMPLE_FMT_S16:
-                return wide ? 2 : 4;
-            default:
-                return 0;
-        }
-    };
     AVSampleFormat best = AV_SAMPLE_FMT_S16;
     int bestRank = -1;
     for (const AVSampleFormat* each = encoder.sample_fmts; each && *each != AV_SAMPLE_FMT_NONE;
-         ++each)
-        if (rank(*each) > bestRank) {
+         ++each) {
+        const int rank = rankOf(sampleTypeOf(*each).value_or(pcm::SampleType::Lossy), format);
+        if (rank > bestRank) {
             best = *each;
-            bestRank = rank(*each);
+            bestRank = rank;
         }
+    }
     return best;
 }
 
-template <typename T>
-T converted(float sample, double quantum);
-
-template <>
-float converted<float>(float sample, double) {
-    return sample;
-}
-template <>
-double converted<double>(float sample, double) {
-    return double(sample);
-}
-template <>
-std::uint8_t converted<std::uint8_t>(float sample, double) {
-    return static_cast<std::uint8_t>(
-        std::clamp(std::nearbyint(sample * 128.0F) + 128, 0.0F, 255.0F));
-}
-template <>
-std::int16_t converted<std::int16_t>(float sample, double) {
-    return static_cast<std::int16_t>(
-        std::clamp(std::nearbyint(sample * 32768.0F), -32768.0F, 32767.0F));
-}
-/// Rounded to a multiple of the quantum: 24 bits lie at the top of 32.
-template <>
-std::int32_t converted<std::int32_t>(float sample, double quantum) {
-    const double steps = fullScale32 / quantum;
-    const double value = std::clamp(std::nearbyint(double(sample) * steps), -steps, steps - 1);
-    return static_cast<std::int32_t>(value * quantum);
-}
-
-template <typename T>
-void fill(AVFrame& frame, bool planar, const float* in, std::size_t channels, double quantum) {
+template <typename T, typename Convert>
+void fill(AVFrame& frame, bool planar, const float* in, std::size_t channels, Convert convert) {
     const auto frames = static_cast<std::size_t>(frame.nb_samples);
     for (std::size_t channel = 0; channel < channels; ++channel) {
         T* out = reinterpret_cast<T*>(frame.extended_data[planar ? channel : 0]);
         const std::size_t step = planar ? 1 : channels;
         if (!planar) out += channel;
-        for (std::size_t i = 0; i < frames; ++i) {
-            const float sample = in[i * channels + channel];
-            out[i * step] = converted<T>(std::isnan(sample) ? 0.0F : sample, quantum);
-        }
+        for (std::size_t i = 0; i < frames; ++i)
+            out[i * step] = static_cast<T>(convert(in[i * channels + channel]));
     }
 }
 
@@ -131,10 +107,8 @@ void BlockEncoder::open(const Format& format, const Recipe& recipe) {
         }
     } else {
         codec_->bits_per_raw_sample = format.bitsPerSample;
-        const bool narrow =
-            codec_->sample_fmt == AV_SAMPLE_FMT_S32 || codec_->sample_fmt == AV_SAMPLE_FMT_S32P;
-        if (narrow && format.bitsPerSample > 16 && format.bitsPerSample < 32)
-            quantum_ = 32 - format.bitsPerSample;
+        if (format.bitsPerSample > 16 && format.bitsPerSample < 32)
+            integerBits_ = format.bitsPerSample;
     }
     const int result = avcodec_open2(codec_.get(), recipe.encoder, nullptr);
     require(result, "cannot be written as " + std::string(recipe.encoder->name) + " at " +
@@ -154,24 +128,30 @@ void BlockEncoder::fillFrame(const float* interleaved, std::size_t frames, std::
     require(av_channel_layout_copy(&frame.ch_layout, &codec_->ch_layout), "could not be encoded");
     require(av_frame_get_buffer(&frame, 0), "could not be encoded");
     const bool planar = av_sample_fmt_is_planar(codec_->sample_fmt) != 0;
-    const double quantum = std::ldexp(1.0, quantum_);
-    switch (av_get_packed_sample_fmt(codec_->sample_fmt)) {
-        case AV_SAMPLE_FMT_U8:
-            fill<std::uint8_t>(frame, planar, interleaved, channels(), 1);
-            break;
-        case AV_SAMPLE_FMT_S16:
-            fill<std::int16_t>(frame, planar, interleaved, channels(), 1);
-            break;
-        case AV_SAMPLE_FMT_S32:
-            fill<std::int32_t>(frame, planar, interleaved, channels(), quantum);
-            break;
-        case AV_SAMPLE_FMT_DBL:
-            fill<double>(frame, planar, interleaved, channels(), 1);
-            break;
-        default:
-            fill<float>(frame, planar, interleaved, channels(), 1);
+    const auto put = [&]<typename T>(T, auto convert) {
+        fill<T>(frame, planar, interleaved, channels(), convert);
+    };
+    using pcm::toInteger;
+    switch (sampleTypeOf(codec_->sample_fmt).value_or(pcm::SampleType::Lossy)) {
+        case pcm::SampleType::U8:
+            return put(std::uint8_t{}, [](float sample) { return toInteger<8>(sample) + 128; });
+        case pcm::SampleType::S16:
+            return put(std::int16_t{}, toInteger<16>);
+        case pcm::SampleType::S32:  // fewer bits lie at the top of the 32
+            return put(std::int32_t{}, [bits = integerBits_](float sample) {
+                return toInteger(sample, bits) * (std::int64_t{1} << (32 - bits));
+            });
+        case pcm::SampleType::S64:
+            return put(std::int64_t{}, toInteger<64>);
+        case pcm::SampleType::F32:
+            return put(float{}, [](float sample) { return pcm::toFloat(sample); });
+        case pcm::SampleType::F64:
+            return put(double{}, [](float sample) { return pcm::toFloat(sample); });
+        case pcm::SampleType::S24:
+        case pcm::SampleType::Lossy:
             break;
     }
+    throw fileError(file_, "cannot be written: its encoder takes samples of an unknown kind");
 }
 
 void BlockEncoder::encode(const float* interleaved, std::size_t frames, std::int64_t stamp,

@@ -44,7 +44,7 @@ class BlockEncoder {
     FramePtr frame_;
     PacketPtr packet_;
     std::size_t blockFrames_ = 0;
-    int quantum_ = 0;  ///< bits of a sample where the encoder's integers have more
+    int integerBits_ = 32;  ///< of a sample where the encoder takes integers of 32
 };
 
 }  // namespace audio::ffmpeg

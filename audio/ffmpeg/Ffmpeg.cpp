@@ -25,6 +25,33 @@ std::string ffmpegReason(int error) {
     return text.data();
 }
 
+std::optional<pcm::SampleType> sampleTypeOf(AVSampleFormat format) {
+    switch (format) {
+        case AV_SAMPLE_FMT_U8:
+        case AV_SAMPLE_FMT_U8P:
+            return pcm::SampleType::U8;
+        case AV_SAMPLE_FMT_S16:
+        case AV_SAMPLE_FMT_S16P:
+            return pcm::SampleType::S16;
+        case AV_SAMPLE_FMT_S32:
+        case AV_SAMPLE_FMT_S32P:
+            return pcm::SampleType::S32;
+        case AV_SAMPLE_FMT_S64:
+        case AV_SAMPLE_FMT_S64P:
+            return pcm::SampleType::S64;
+        case AV_SAMPLE_FMT_FLT:
+        case AV_SAMPLE_FMT_FLTP:
+            return pcm::SampleType::F32;
+        case AV_SAMPLE_FMT_DBL:
+        case AV_SAMPLE_FMT_DBLP:
+            return pcm::SampleType::F64;
+        case AV_SAMPLE_FMT_NONE:
+        case AV_SAMPLE_FMT_NB:
+            break;
+    }
+    return std::nullopt;
+}
+
 void silenceFfmpeg() {
     static std::once_flag once;
     std::call_once(once, [] { av_log_set_level(AV_LOG_QUIET); });

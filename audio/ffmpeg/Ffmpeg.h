@@ -10,7 +10,10 @@ extern "C" {
 }
 
 #include <memory>
+#include <optional>
 #include <string>
+
+#include "audio/pcm/SampleType.h"
 
 namespace audio::ffmpeg {
 
@@ -52,6 +55,9 @@ FramePtr makeFrame();    ///< throws std::bad_alloc
 
 /// FFmpeg's text for one of its error codes.
 std::string ffmpegReason(int error);
+
+/// How the samples of FFmpeg's format lie, planar or not; nothing for what is no such format.
+std::optional<pcm::SampleType> sampleTypeOf(AVSampleFormat format);
 
 /// Keeps FFmpeg's libraries from writing to the terminal. Any thread, any number of times.
 void silenceFfmpeg();

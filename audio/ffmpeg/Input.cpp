@@ -161,9 +161,7 @@ Format Input::format() const {
         format.channelMask = own.ch_layout.u.mask;
     if (isLossless(own)) {
         format.bitsPerSample = bitsOf(own);
-        format.sampleType = format.bitsPerSample <= 16   ? pcm::SampleType::S16
-                            : format.bitsPerSample <= 24 ? pcm::SampleType::S24
-                                                         : pcm::SampleType::S32;
+        format.sampleType = pcm::integerOf(format.bitsPerSample);
     }
     format.bitRate = own.bit_rate;
     if (format.bitRate <= 0) format.bitRate = std::max<std::int64_t>(0, context_->bit_rate);

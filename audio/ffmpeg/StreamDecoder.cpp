@@ -2,31 +2,12 @@
 #include "audio/ffmpeg/StreamDecoder.h"
 
 #include <algorithm>
-#include <cmath>
 
+#include "audio/pcm/Sample.h"
 #include "platform/Error.h"
 
 namespace audio::ffmpeg {
 namespace {
-
-float toFloat(std::uint8_t value) {
-    return static_cast<float>(int{value} - 128) / 128.0F;
-}
-float toFloat(std::int16_t value) {
-    return static_cast<float>(value) / 32768.0F;
-}
-float toFloat(std::int32_t value) {
-    return static_cast<float>(value) / 2147483648.0F;
-}
-float toFloat(std::int64_t value) {
-    return static_cast<float>(static_cast<double>(value) / 9223372036854775808.0);
-}
-float toFloat(float value) {
-    return std::isfinite(value) ? value : 0.0F;
-}
-float toFloat(double value) {
-    return std::isfinite(value) ? static_cast<float>(value) : 0.0F;
-}
 
 /// Appends a frame's samples; a channel that the frame lacks repeats its last one.
 template <typename T>
@@ -42,35 +23,37 @@ void append(const AVFrame& frame, bool planar, int channels, std::vector<float>&
         const std::size_t step = planar ? 1 : static_cast<std::size_t>(own);
         if (!planar) in += from;
         float* to = out.data() + base + static_cast<std::size_t>(channel);
-        for (std::size_t i = 0; i < count; ++i) to[i * width] = toFloat(in[i * step]);
+        for (std::size_t i = 0; i < count; ++i) to[i * width] = pcm::toFloat(in[i * step]);
     }
 }
 
 bool appendFrame(const AVFrame& frame, int channels, std::vector<float>& out) {
     const auto format = static_cast<AVSampleFormat>(frame.format);
     const bool planar = av_sample_fmt_is_planar(format) != 0;
-    switch (av_get_packed_sample_fmt(format)) {
-        case AV_SAMPLE_FMT_U8:
+    switch (sampleTypeOf(format).value_or(pcm::SampleType::Lossy)) {
+        case pcm::SampleType::U8:
             append<std::uint8_t>(frame, planar, channels, out);
             return true;
-        case AV_SAMPLE_FMT_S16:
+        case pcm::SampleType::S16:
             append<std::int16_t>(frame, planar, channels, out);
             return true;
-        case AV_SAMPLE_FMT_S32:
+        case pcm::SampleType::S32:
             append<std::int32_t>(frame, planar, channels, out);
             return true;
-        case AV_SAMPLE_FMT_S64:
+        case pcm::SampleType::S64:
             append<std::int64_t>(frame, planar, channels, out);
             return true;
-        case AV_SAMPLE_FMT_FLT:
+        case pcm::SampleType::F32:
             append<float>(frame, planar, channels, out);
             return true;
-        case AV_SAMPLE_FMT_DBL:
+        case pcm::SampleType::F64:
             append<double>(frame, planar, channels, out);
             return true;
-        default:
-            return false;
+        case pcm::SampleType::S24:
+        case pcm::SampleType::Lossy:
+            break;
     }
+    return false;
 }
 
 }  // namespace

@@ -39,7 +39,7 @@ std::unique_ptr<Decoder::Source> openSource(const std::filesystem::path& file) {
     requireFile(file);
     if (wave::looksLikeWave(file)) {
         const wave::Layout layout = wave::readLayout(file);
-        if (pcmTypeOf(layout.format)) return std::make_unique<WaveSource>(file, layout);
+        if (layout.format.sampleType()) return std::make_unique<WaveSource>(file, layout);
     }
     // A few frames are too little for a probe by content alone, but not for one that follows them.
     if (isMpegAudio(file)) return std::make_unique<MpegSource>(file);

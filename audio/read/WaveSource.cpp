@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "audio/pcm/Pcm.h"
+#include "audio/pcm/Convert.h"
 
 namespace audio::read {
 namespace {
@@ -20,6 +20,8 @@ const char* codecNameOf(pcm::SampleType type) {
             return "pcm_s24le";
         case pcm::SampleType::S32:
             return "pcm_s32le";
+        case pcm::SampleType::S64:
+            return "pcm_s64le";
         case pcm::SampleType::F32:
             return "pcm_f32le";
         case pcm::SampleType::F64:
@@ -31,22 +33,6 @@ const char* codecNameOf(pcm::SampleType type) {
 }
 
 }  // namespace
-
-std::optional<pcm::SampleType> pcmTypeOf(const wave::SoundFormat& format) {
-    // A sample occupies whole bytes, its bits at their top: 12 bits lie in two bytes, 20 in three.
-    const int width = (format.bitsPerSample + 7) / 8;
-    if (format.channels < 1 || format.blockAlign != width * format.channels) return std::nullopt;
-    if (format.tag == wave::formatTagFloat) {
-        if (width == 4) return pcm::SampleType::F32;
-        if (width == 8) return pcm::SampleType::F64;
-    } else if (format.tag == wave::formatTagPcm) {
-        if (width == 1) return pcm::SampleType::U8;
-        if (width == 2) return pcm::SampleType::S16;
-        if (width == 3) return pcm::SampleType::S24;
-        if (width == 4) return pcm::SampleType::S32;
-    }
-    return std::nullopt;
-}
 
 WaveSource::WaveSource(const std::filesystem::path& file, const wave::Layout& layout)
     : file_(file),
@@ -61,7 +47,7 @@ WaveSource::WaveSource(const std::filesystem::path& file, const wave::Layout& la
     format_.sampleRate = layout.format.sampleRate;
     format_.channels = layout.format.channels;
     format_.channelMask = layout.format.channelMask;
-    format_.sampleType = pcmTypeOf(layout.format).value_or(pcm::SampleType::S16);
+    format_.sampleType = layout.format.sampleType().value();
     format_.codecName = codecNameOf(format_.sampleType);
     format_.bitsPerSample = layout.format.validBits;
     format_.bitRate = std::int64_t{8} * layout.format.blockAlign * layout.format.sampleRate;
@@ -71,8 +57,8 @@ std::size_t WaveSource::read(float* interleaved, std::size_t frames) {
     frames = std::min(frames, blockFrames);
     block_.resize(frames * frameBytes_);
     const std::size_t got = readPcm(block_.data(), frames);
-    pcm::pcmToFloat(format_.sampleType, block_.data(), interleaved,
-                    got * static_cast<std::size_t>(format_.channels));
+    pcm::toFloats(format_.sampleType, block_.data(), interleaved,
+                  got * static_cast<std::size_t>(format_.channels));
     return got;
 }
 

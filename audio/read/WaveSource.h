@@ -2,16 +2,12 @@
 #pragma once
 
 #include <fstream>
-#include <optional>
 #include <vector>
 
 #include "audio/read/Source.h"
 #include "audio/wave/Layout.h"
 
 namespace audio::read {
-
-/// The sample type of a WAVE file's sound; nothing where it is not plain PCM.
-std::optional<pcm::SampleType> pcmTypeOf(const wave::SoundFormat& format);
 
 /// Reads the PCM of a WAVE file, straight from its data chunk.
 class WaveSource : public Decoder::Source {

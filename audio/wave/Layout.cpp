@@ -161,6 +161,23 @@ constexpr std::array<unsigned char, 14> subFormatTail = {0x00, 0x00, 0x00, 0x00,
 
 }  // namespace
 
+std::optional<pcm::SampleType> SoundFormat::sampleType() const {
+    // A sample occupies whole bytes, its bits at their top: 12 bits lie in two bytes, 20 in three.
+    const int width = (bitsPerSample + 7) / 8;
+    if (channels < 1 || blockAlign != width * channels) return std::nullopt;
+    if (tag == formatTagFloat) {
+        if (width == 4) return pcm::SampleType::F32;
+        if (width == 8) return pcm::SampleType::F64;
+    } else if (tag == formatTagPcm) {
+        if (width == 1) return pcm::SampleType::U8;
+        if (width == 2) return pcm::SampleType::S16;
+        if (width == 3) return pcm::SampleType::S24;
+        if (width == 4) return pcm::SampleType::S32;
+        if (width == 8) return pcm::SampleType::S64;
+    }
+    return std::nullopt;
+}
+
 bool looksLikeWave(const std::filesystem::path& file) {
     std::ifstream stream(file, std::ios::binary);
     std::array<char, 12> head{};

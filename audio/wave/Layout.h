@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "audio/pcm/SampleType.h"
+
 namespace audio::wave {
 
 constexpr int formatTagPcm = 1;
@@ -33,6 +35,9 @@ struct SoundFormat {
     int validBits = 0;              ///< bits that count, where stated; else bitsPerSample
     std::uint32_t channelMask = 0;  ///< 0 where unstated
     std::int64_t byteRate = 0;
+
+    /// How the samples lie; nothing where they are not plain PCM.
+    std::optional<pcm::SampleType> sampleType() const;
 };
 
 /// The chunks of a RIFF WAVE file (RF64 and BW64 too), found by walking the file and not by

@@ -3,8 +3,7 @@
 
 #include <algorithm>
 
-#include "audio/pcm/Pcm.h"
-#include "audio/read/WaveSource.h"
+#include "audio/pcm/Convert.h"
 
 namespace audio::write {
 namespace {
@@ -18,12 +17,12 @@ wave::SoundFormat waveFormat(const Format& format) {
     sound.tag = floating ? wave::formatTagFloat : wave::formatTagPcm;
     sound.channels = format.channels;
     sound.sampleRate = format.sampleRate;
-    sound.bitsPerSample = 8 * pcm::bytesPerSample(format.sampleType);
+    sound.bitsPerSample = 8 * static_cast<int>(pcm::bytesPerSample(format.sampleType));
     sound.validBits = format.bitsPerSample;
     if (sound.validBits < 1 || sound.validBits > sound.bitsPerSample)
         sound.validBits = sound.bitsPerSample;
     sound.channelMask = static_cast<std::uint32_t>(format.channelMask);
-    sound.blockAlign = format.channels * pcm::bytesPerSample(format.sampleType);
+    sound.blockAlign = format.channels * static_cast<int>(pcm::bytesPerSample(format.sampleType));
     return sound;
 }
 
@@ -37,7 +36,7 @@ wave::Plan planFor(const Format& format, const EncoderOptions& options) {
     if (!options.waveModel.empty() && wave::looksLikeWave(options.waveModel)) {
         plan.model = options.waveModel;
         const wave::Layout model = wave::readLayout(options.waveModel);
-        plan.repeatFormat = read::pcmTypeOf(model.format) == format.sampleType &&
+        plan.repeatFormat = model.format.sampleType() == format.sampleType &&
                             model.format.channels == format.channels &&
                             model.format.sampleRate == format.sampleRate;
     }
@@ -56,8 +55,8 @@ void WaveSink::write(const float* interleaved, std::size_t frames) {
     while (frames > 0) {
         const std::size_t count = std::min(frames, blockFrames);
         const std::size_t samples = count * channels_;
-        block_.resize(samples * static_cast<std::size_t>(pcm::bytesPerSample(type_)));
-        pcm::floatToPcm(type_, interleaved, block_.data(), samples);
+        block_.resize(samples * pcm::bytesPerSample(type_));
+        pcm::fromFloats(type_, interleaved, block_.data(), samples);
         writer_.write(block_.data(), block_.size());
         interleaved += samples;
         frames -= count;

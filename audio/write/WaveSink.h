@@ -21,9 +21,7 @@ class WaveSink : public Encoder::Sink {
     void finish() override { writer_.finish(); }
 
   private:
-    std::size_t frameBytes() const {
-        return channels_ * static_cast<std::size_t>(pcm::bytesPerSample(type_));
-    }
+    std::size_t frameBytes() const { return channels_ * pcm::bytesPerSample(type_); }
 
     pcm::SampleType type_;
     std::size_t channels_;
