@@ -100,6 +100,7 @@ FETCHED(avutil, int, av_sample_fmt_is_planar, (AVSampleFormat a), (a))
 FETCHED(avutil, int, av_strerror, (int a, char* b, std::size_t c), (a, b, c))
 
 FETCHED(avcodec, int, av_get_exact_bits_per_sample, (AVCodecID a), (a))
+FETCHED(avcodec, int, av_new_packet, (AVPacket* a, int b), (a, b))
 FETCHED(avcodec, AVPacket*, av_packet_alloc, (), ())
 FETCHED(avcodec, void, av_packet_free, (AVPacket** a), (a))
 FETCHED(avcodec, std::uint8_t*, av_packet_get_side_data,
@@ -120,6 +121,8 @@ FETCHED(avcodec, const char*, avcodec_get_name, (AVCodecID a), (a))
 FETCHED(avcodec, int, avcodec_open2, (AVCodecContext* a, const AVCodec* b, AVDictionary** c),
         (a, b, c))
 FETCHED(avcodec, AVCodecParameters*, avcodec_parameters_alloc, (), ())
+FETCHED(avcodec, int, avcodec_parameters_copy,
+        (AVCodecParameters* a, const AVCodecParameters* b), (a, b))
 FETCHED(avcodec, void, avcodec_parameters_free, (AVCodecParameters** a), (a))
 FETCHED(avcodec, int, avcodec_parameters_from_context,
         (AVCodecParameters* a, const AVCodecContext* b), (a, b))
@@ -145,6 +148,8 @@ FETCHED(avformat, int, avformat_alloc_output_context2,
 FETCHED(avformat, void, avformat_close_input, (AVFormatContext** a), (a))
 FETCHED(avformat, int, avformat_find_stream_info, (AVFormatContext* a, AVDictionary** b), (a, b))
 FETCHED(avformat, void, avformat_free_context, (AVFormatContext* a), (a))
+FETCHED(avformat, int, avformat_index_get_entries_count, (const AVStream* a), (a))
+FETCHED(avformat, const AVIndexEntry*, avformat_index_get_entry, (AVStream* a, int b), (a, b))
 FETCHED(avformat, AVStream*, avformat_new_stream, (AVFormatContext* a, const AVCodec* b), (a, b))
 FETCHED(avformat, int, avformat_open_input,
         (AVFormatContext** a, const char* b, const AVInputFormat* c, AVDictionary** d),

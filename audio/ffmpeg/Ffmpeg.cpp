@@ -7,6 +7,12 @@
 
 namespace audio::ffmpeg {
 
+ParametersPtr copyParameters(const AVCodecParameters& from) {
+    ParametersPtr copy(avcodec_parameters_alloc());
+    if (!copy || avcodec_parameters_copy(copy.get(), &from) < 0) throw std::bad_alloc();
+    return copy;
+}
+
 PacketPtr makePacket() {
     PacketPtr packet(av_packet_alloc());
     if (!packet) throw std::bad_alloc();

@@ -26,6 +26,9 @@ struct FrameFree {
 struct CodecFree {
     void operator()(AVCodecContext* context) const { avcodec_free_context(&context); }
 };
+struct ParametersFree {
+    void operator()(AVCodecParameters* parameters) const { avcodec_parameters_free(&parameters); }
+};
 struct InputFree {
     void operator()(AVFormatContext* context) const { avformat_close_input(&context); }
 };
@@ -46,10 +49,12 @@ struct DictionaryFree {
 using PacketPtr = std::unique_ptr<AVPacket, PacketFree>;
 using FramePtr = std::unique_ptr<AVFrame, FrameFree>;
 using CodecPtr = std::unique_ptr<AVCodecContext, CodecFree>;
+using ParametersPtr = std::unique_ptr<AVCodecParameters, ParametersFree>;
 using InputPtr = std::unique_ptr<AVFormatContext, InputFree>;
 using OutputPtr = std::unique_ptr<AVFormatContext, OutputFree>;  ///< a muxer and its open file
 using SwrPtr = std::unique_ptr<SwrContext, ResamplerFree>;
 
+ParametersPtr copyParameters(const AVCodecParameters& from);  ///< throws std::bad_alloc
 PacketPtr makePacket();  ///< throws std::bad_alloc
 FramePtr makeFrame();    ///< throws std::bad_alloc
 

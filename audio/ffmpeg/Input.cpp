@@ -45,6 +45,12 @@ InputPtr openContainer(const std::filesystem::path& file, FilePart part) {
     return InputPtr(opened);
 }
 
+/// Whether what MP4 says of a sound of this codec is so; of the others it says what it likes.
+bool describesItself(AVCodecID codec) {
+    return codec == AV_CODEC_ID_ALAC || codec == AV_CODEC_ID_FLAC || codec == AV_CODEC_ID_OPUS ||
+           av_get_exact_bits_per_sample(codec) > 0;
+}
+
 bool isPicture(const AVStream& stream) {
     return (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) != 0;
 }
@@ -113,6 +119,7 @@ bool Input::describedByHeader() const {
         if (own.codec_id == AV_CODEC_ID_NONE || own.sample_rate < 1 ||
             own.ch_layout.nb_channels < 1)
             return false;
+        if (containerName().starts_with("mov") && !describesItself(own.codec_id)) return false;
     }
     return context_->nb_streams > 0;
 }
@@ -142,6 +149,10 @@ bool Input::read(AVPacket& packet) {
 
 bool Input::seek(std::int64_t timestamp) {
     return av_seek_frame(context_.get(), stream_->index, timestamp, AVSEEK_FLAG_BACKWARD) >= 0;
+}
+
+bool Input::seekBytes(std::int64_t offset) {
+    return av_seek_frame(context_.get(), -1, offset, AVSEEK_FLAG_BYTE) >= 0;
 }
 
 void Input::rewind() {

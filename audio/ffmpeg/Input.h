@@ -28,11 +28,15 @@ class Input {
     /// an earlier one. False where the container cannot do that.
     bool seek(std::int64_t timestamp);
 
+    /// To a place in the file, for containers that can be entered at any.
+    bool seekBytes(std::int64_t offset);
+
     /// Back to the first packet, by opening again where nothing else helps.
     void rewind();
 
     AVFormatContext& context() { return *context_; }
     const AVFormatContext& context() const { return *context_; }
+    AVStream& stream() { return *stream_; }
     const AVStream& stream() const { return *stream_; }
     const AVCodecParameters& parameters() const { return *stream_->codecpar; }
     std::string containerName() const { return context_->iformat->name; }

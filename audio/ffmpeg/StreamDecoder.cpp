@@ -67,7 +67,7 @@ const AVCodec* findDecoder(AVCodecID id) {
     return codec ? codec : avcodec_find_decoder(id);
 }
 
-StreamDecoder::StreamDecoder(const AVCodecParameters& parameters, AVRational timeBase)
+StreamDecoder::StreamDecoder(const AVCodecParameters& parameters, AVRational timeBase, Trims trims)
     : frame_(makeFrame()) {
     const AVCodec* codec = findDecoder(parameters.codec_id);
     if (!codec) {
@@ -80,6 +80,7 @@ StreamDecoder::StreamDecoder(const AVCodecParameters& parameters, AVRational tim
     codec_->pkt_timebase = timeBase;
     codec_->thread_count = 1;  // a frame of sound is too short to share
     codec_->request_sample_fmt = AV_SAMPLE_FMT_FLT;
+    if (trims == Trims::Left) codec_->flags2 |= AV_CODEC_FLAG2_SKIP_MANUAL;
     if (error >= 0) error = avcodec_open2(codec_.get(), codec, nullptr);
     if (error < 0) throw platform::Error(ffmpegReason(error));
     channels_ = codec_->ch_layout.nb_channels;
@@ -93,7 +94,6 @@ StreamDecoder::Result StreamDecoder::decode(const AVPacket* packet, std::vector<
     result.damaged = error < 0 && error != AVERROR_EOF;
     while ((error = avcodec_receive_frame(codec_.get(), frame_.get())) >= 0) {
         if (channels_ < 1) channels_ = frame_->ch_layout.nb_channels;
-        if (result.pts == AV_NOPTS_VALUE && out.size() == before) result.pts = frame_->pts;
         if (channels_ < 1 || !appendFrame(*frame_, channels_, out)) result.damaged = true;
     }
     if (error != AVERROR(EAGAIN) && error != AVERROR_EOF) result.damaged = true;

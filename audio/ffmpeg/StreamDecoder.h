@@ -14,13 +14,14 @@ namespace audio::ffmpeg {
 class StreamDecoder {
   public:
     /// Throws platform::Error with FFmpeg's reason, without naming a file, where there is no
-    /// decoder or it refuses.
-    explicit StreamDecoder(const AVCodecParameters& parameters, AVRational timeBase);
+    /// decoder or it refuses. Trims that packets bear are left to the caller, or done here.
+    enum class Trims { Left, Done };
+    StreamDecoder(const AVCodecParameters& parameters, AVRational timeBase,
+                  Trims trims = Trims::Done);
 
     struct Result {
-        std::size_t frames = 0;             ///< appended
-        std::int64_t pts = AV_NOPTS_VALUE;  ///< of the first of them, in the stream's time base
-        bool damaged = false;               ///< the packet, or part of it, could not be decoded
+        std::size_t frames = 0;  ///< appended
+        bool damaged = false;    ///< the packet, or part of it, could not be decoded
     };
     /// Decodes one packet and appends what comes out. Null: the end, what is left comes out.
     Result decode(const AVPacket* packet, std::vector<float>& interleaved);

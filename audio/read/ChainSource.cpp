@@ -3,13 +3,13 @@
 
 #include <algorithm>
 
-#include "audio/read/StampedSource.h"
+#include "audio/read/PacketSource.h"
 
 namespace audio::read {
 
 ChainSource::ChainSource(const std::filesystem::path& file, const std::vector<FilePart>& links) {
     for (const FilePart& part : links)
-        links_.push_back(std::make_unique<StampedSource>(ffmpeg::Input(file, part)));
+        links_.push_back(std::make_unique<PacketSource>(ffmpeg::Input(file, part)));
     format_ = links_.front()->format();
     contents_ = links_.front()->contents();
     contents_.chained = true;

@@ -6,8 +6,7 @@
 #include "audio/ogg/Links.h"
 #include "audio/read/ChainSource.h"
 #include "audio/read/MpegSource.h"
-#include "audio/read/StampedSource.h"
-#include "audio/read/TableSource.h"
+#include "audio/read/PacketSource.h"
 #include "audio/read/WaveSource.h"
 #include "audio/wave/Layout.h"
 
@@ -49,8 +48,7 @@ std::unique_ptr<Decoder::Source> openSource(const std::filesystem::path& file) {
         const std::vector<FilePart> links = ogg::findLinks(file);
         if (links.size() > 1) return std::make_unique<ChainSource>(file, links);
     }
-    if (StampedSource::serves(input)) return std::make_unique<StampedSource>(std::move(input));
-    return std::make_unique<TableSource>(std::move(input));
+    return std::make_unique<PacketSource>(std::move(input));
 }
 
 }  // namespace

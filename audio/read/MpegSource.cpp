@@ -21,12 +21,8 @@ AVCodecID codecOfLayer(int layer) {
     return layer == 1 ? AV_CODEC_ID_MP1 : layer == 2 ? AV_CODEC_ID_MP2 : AV_CODEC_ID_MP3;
 }
 
-struct ParametersFree {
-    void operator()(AVCodecParameters* parameters) const { avcodec_parameters_free(&parameters); }
-};
-
 ffmpeg::StreamDecoder makeDecoder(const mpeg::FrameHeader& header) {
-    const std::unique_ptr<AVCodecParameters, ParametersFree> parameters(avcodec_parameters_alloc());
+    const ffmpeg::ParametersPtr parameters(avcodec_parameters_alloc());
     if (!parameters) throw std::bad_alloc();
     parameters->codec_type = AVMEDIA_TYPE_AUDIO;
     parameters->codec_id = codecOfLayer(header.layer);
