@@ -55,8 +55,8 @@ using OutputPtr = std::unique_ptr<AVFormatContext, OutputFree>;  ///< a muxer an
 using SwrPtr = std::unique_ptr<SwrContext, ResamplerFree>;
 
 ParametersPtr copyParameters(const AVCodecParameters& from);  ///< throws std::bad_alloc
-PacketPtr makePacket();  ///< throws std::bad_alloc
-FramePtr makeFrame();    ///< throws std::bad_alloc
+PacketPtr makePacket();                                       ///< throws std::bad_alloc
+FramePtr makeFrame();                                         ///< throws std::bad_alloc
 
 /// FFmpeg's text for one of its error codes.
 std::string ffmpegReason(int error);
