@@ -12,10 +12,21 @@ namespace {
 // A run that was read to its end is dropped; one that was read half is kept up to this size.
 constexpr std::size_t longestRunKept = 1 << 18;
 constexpr std::size_t packetsToCheck = 24;
-constexpr int mostStrangers = 512;      // packets after a jump before the one looked for
-constexpr std::size_t preRoll = 2;      // landmarks; more than any codec here needs to settle
-constexpr std::size_t opusPreRoll = 6;  // Opus predicts from what it decoded long before
+constexpr int mostStrangers = 512;              // packets after a jump before the one looked for
 constexpr std::int64_t nearAhead = 3 * 16'384;  // frames that are decoded rather than jumped over
+
+/// How many landmarks before the wanted one a decoder begins after a jump: more than it needs to
+/// settle.
+std::size_t preRollOf(AVCodecID codec) {
+    const AVCodecDescriptor* about = avcodec_descriptor_get(codec);
+    if (about && (about->props & AV_CODEC_PROP_LOSSY) == 0) return 1;
+    return codec == AV_CODEC_ID_OPUS ? 6 : 2;  // Opus predicts from what it decoded long before
+}
+
+/// Codecs whose decoders fill bands with noise of their own, which goes on after a flush.
+bool makesNoise(AVCodecID codec) {
+    return codec == AV_CODEC_ID_AAC || codec == AV_CODEC_ID_AC3 || codec == AV_CODEC_ID_EAC3;
+}
 
 }  // namespace
 
@@ -247,19 +258,21 @@ void PacketSource::jumpBefore(std::int64_t frame) {
 
     const std::vector<PacketTable::Landmark>& landmarks = table_.landmarks();
     const std::size_t count = table_.countUpTo(frame);
-    const std::size_t settling = parameters_->codec_id == AV_CODEC_ID_OPUS ? opusPreRoll : preRoll;
+    const std::size_t settling = preRollOf(parameters_->codec_id);
     if (count <= settling) return restart();
     const PacketTable::Landmark& from = landmarks[count - 1 - settling];
     if (!findPacket(from) && !countTo(from)) return restart();
+    if (makesNoise(parameters_->codec_id))
+        decoder_.emplace(openDecoder());
+    else
+        decoder_->flush();
     begin(from.place);
     packetRead_ = true;
     goal_ = landmarks[count - 1].place;
 }
 
-/// Begins anew with a packet that the reader gives next, or gave last. A decoder that was used
-/// before may begin otherwise than a new one.
+/// Begins anew with a packet that the reader gives next, or gave last.
 void PacketSource::begin(const PacketPlace& place) {
-    decoder_.emplace(openDecoder());
     place_ = place;
     goal_.reset();
     drained_ = false;
@@ -289,6 +302,7 @@ bool PacketSource::countTo(const PacketTable::Landmark& landmark) {
 
 void PacketSource::restart() {
     reader_->rewind();
+    decoder_.emplace(openDecoder());  // a flushed one may begin otherwise than a new one
     begin(firstPlace());
 }
 

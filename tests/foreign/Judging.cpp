@@ -72,13 +72,13 @@ std::string faultOfJumps(Decoder& decoder, const std::vector<float>& straight, L
     const auto channels = std::size_t(decoder.format().channels);
     const auto length = std::int64_t(straight.size() / channels);
     std::mt19937 random(seed);
-    std::vector<float> block(3'000 * channels);
+    std::vector<float> block(700 * channels);
     double signal = 0;
     double noise = 0;
     for (int i = 0; i < jumps; ++i) {
         const auto target = std::int64_t(random() % std::uint64_t(length + 4));
         const std::int64_t expected = std::min(target, length);
-        const std::size_t size = 1 + random() % 2'999;
+        const std::size_t size = 1 + random() % 700;
         decoder.seek(target);
         const std::size_t got = decoder.read(block.data(), size);
         if (std::int64_t(got) != std::min<std::int64_t>(std::int64_t(size), length - expected))
