@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <fstream>
-#include <string_view>
+
+#include "audio/read/Mp4Times.h"
 
 namespace audio::read {
 namespace {
@@ -16,42 +16,6 @@ constexpr std::int64_t longestLoss = 60;  // seconds; more is not believed
 bool isBareStream(const std::string& container) {
     constexpr std::array bare = {"aac", "ac3", "eac3", "dts", "flac", "truehd", "loas", "mpegts"};
     return std::find(bare.begin(), bare.end(), container) != bare.end();
-}
-
-std::uint32_t bigEndian(const unsigned char* bytes) {
-    return std::uint32_t{bytes[0]} << 24 | std::uint32_t{bytes[1]} << 16 |
-           std::uint32_t{bytes[2]} << 8 | bytes[3];
-}
-
-/// Units of a second that a movie's edit lists count in (ISO/IEC 14496-12, section 8.2.2); the
-/// usual one where it is not found.
-std::int64_t movieTimeScale(const std::filesystem::path& path) {
-    constexpr std::int64_t usual = 600;  // the coarsest in use
-    std::ifstream file(path, std::ios::binary);
-    std::array<unsigned char, 24> head{};
-    for (std::int64_t at = 0; file.seekg(at);) {
-        head = {};
-        file.read(reinterpret_cast<char*>(head.data()), head.size());
-        if (file.gcount() < 8) break;
-        file.clear();
-        const std::string_view name(reinterpret_cast<const char*>(head.data()) + 4, 4);
-        std::int64_t size = bigEndian(head.data());
-        if (name == "moov") {
-            at += 8;  // its first box is mvhd
-        } else if (name == "mvhd") {
-            file.seekg(at + (head[8] == 1 ? 28 : 20));
-            file.read(reinterpret_cast<char*>(head.data()), 4);
-            const std::int64_t scale = bigEndian(head.data());
-            return file.gcount() == 4 && scale > 0 ? scale : usual;
-        } else {
-            if (size == 1)
-                size = static_cast<std::int64_t>(bigEndian(head.data() + 8)) << 32 |
-                       bigEndian(head.data() + 12);
-            if (size < 8) break;
-            at += size;
-        }
-    }
-    return usual;
 }
 
 /// The checksum over a whole frame of FLAC, its own included, is 0 (RFC 9639, section 9.3).
@@ -72,8 +36,13 @@ ContainerPackets::ContainerPackets(ffmpeg::Input input)
       previous_(ffmpeg::makePacket()),
       mp4_(input_.containerName().starts_with("mov")) {
     if (!mp4_) return;
-    const std::int64_t scale = movieTimeScale(input_.file());
+    const Mp4Times times = readMp4Times(input_.file(), input_.stream().id);
+    constexpr std::int64_t coarsest = 600;  // of those in use
+    const std::int64_t scale = times.movieScale > 0 ? times.movieScale : coarsest;
     movieGrain_ = (input_.parameters().sample_rate + scale - 1) / scale;
+    if (times.mediaScale > 0)
+        mediaFrames_ =
+            av_rescale(times.mediaDuration, input_.parameters().sample_rate, times.mediaScale);
 }
 
 bool ContainerPackets::read(SoundPacket& packet) {
@@ -184,7 +153,8 @@ std::optional<Mp4End> ContainerPackets::mp4End(const AVPacket& packet) {
         return std::nullopt;
     Mp4End end;
     end.lastStart = framesOf(last->timestamp - first->timestamp);
-    end.mediaEnd = end.lastStart + framesOf(packet.duration);
+    end.mediaEnd =
+        mediaFrames_ > end.lastStart ? mediaFrames_ : end.lastStart + framesOf(packet.duration);
     end.editGrain = movieGrain_;
     if (stream.duration > 0) end.editEnd = framesOf(stream.duration - first->timestamp);
     const AVDictionaryEntry* gapless =

@@ -37,8 +37,9 @@ class ContainerPackets : public PacketReader {
     ffmpeg::PacketPtr previous_;
     std::optional<Before> before_;
     bool mp4_ = false;
-    std::int64_t movieGrain_ = 0;  ///< MP4: frames in one unit of the edit list, rounded up
-    bool lastMarked_ = false;      ///< the packet read last can be told from its neighbours
+    std::int64_t movieGrain_ = 0;   ///< MP4: frames in one unit of the edit list, rounded up
+    std::int64_t mediaFrames_ = 0;  ///< MP4: of all samples of the track; 0: not stated
+    bool lastMarked_ = false;       ///< the packet read last can be told from its neighbours
 };
 
 }  // namespace audio::read

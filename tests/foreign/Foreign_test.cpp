@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "audio/read/Decoder.h"
 #include "tests/foreign/Judging.h"
 #include "tests/support/TempFolder.h"
 
@@ -32,6 +33,35 @@ TEST_P(Foreign, ReadsAsOthersDo) {
 
 using foreign::Maker;
 
+// The movie's time scale rounds the edit list to milliseconds: the samples' durations are exact.
+TEST(ForeignEnds, Mp4HoldsWhatWasEncoded) {
+    const support::TempFolder folder;
+    const auto wav = folder / "sound.wav";
+    for (const Maker& maker : {Maker{"aac", {"m4a"}}, Maker{"aac", {"mov"}}, Maker{"alac", {"m4a"}},
+                               Maker{"mp3", {"mp4"}}}) {
+        for (const int frames : {44'151, 70'253}) {
+            foreign::writeWav({5, 44'100, 2, frames / 44'100.0}, wav);
+            audio::read::Decoder encoded(wav);
+            audio::read::Decoder decoder(foreign::make(maker, wav, folder.path()));
+            EXPECT_EQ(decoder.frames(), encoded.frames()) << maker.name();
+        }
+    }
+}
+
+// All sound of a short Ogg file lies on one page: its end is cut, never its start.
+TEST(ForeignEnds, ShortOggHoldsWhatWasEncoded) {
+    const support::TempFolder folder;
+    const auto wav = folder / "sound.wav";
+    for (const Maker& maker : {Maker{"oggenc", {"ogg"}}, Maker{"flac", {"ogg"}}}) {
+        for (const double seconds : {0.02, 0.1, 0.5, 1.5, 3.0}) {
+            foreign::writeWav({6, 44'100, 1, seconds}, wav);
+            audio::read::Decoder encoded(wav);
+            audio::read::Decoder decoder(foreign::make(maker, wav, folder.path()));
+            EXPECT_EQ(decoder.frames(), encoded.frames()) << maker.name() << " of " << seconds;
+        }
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Makers, Foreign,
     testing::Values(Maker{"vorbis", {"webm", "ogg"}}, Maker{"vorbis", {"ogg", "mka"}},
@@ -42,12 +72,12 @@ INSTANTIATE_TEST_SUITE_P(
                     Maker{"alac", {"m4a"}}, Maker{"alac", {"caf"}}, Maker{"aac", {"m4a"}},
                     Maker{"aac", {"mka", "m4a"}}, Maker{"aac", {"aac"}}, Maker{"aac", {"mov"}},
                     Maker{"aac", {"ts"}}, Maker{"mp3", {"mp3"}}, Maker{"mp3", {"mka"}},
-                    Maker{"mp3", {"mp4"}}, Maker{"mp3", {"avi"}}, Maker{"mp2", {"mp2"}},
-                    Maker{"mp2", {"mka", "ts"}}, Maker{"ac3", {"ac3"}}, Maker{"wmav2", {"wma"}},
-                    Maker{"wmav1", {"wma"}}, Maker{"wmav2", {"mka"}}, Maker{"tta", {"tta"}},
-                    Maker{"wavpack", {"wv"}}, Maker{"pcm16", {"w64"}}, Maker{"pcm16be", {"au"}},
-                    Maker{"pcm16be", {"aiff"}}, Maker{"pcm16be", {"caf"}}, Maker{"pcmu8", {"wav"}},
-                    Maker{"alaw", {"wav"}}, Maker{"adpcm-ms", {"wav"}}),
+                    Maker{"mp3", {"mp4"}}, Maker{"mp3", {"avi"}}, Maker{"mp2", {"mka", "ts"}},
+                    Maker{"ac3", {"ac3"}}, Maker{"wmav2", {"wma"}}, Maker{"wmav1", {"wma"}},
+                    Maker{"wmav2", {"mka"}}, Maker{"tta", {"tta"}}, Maker{"wavpack", {"wv"}},
+                    Maker{"pcm16", {"w64"}}, Maker{"pcm16be", {"au"}}, Maker{"pcm16be", {"aiff"}},
+                    Maker{"pcm16be", {"caf"}}, Maker{"pcmu8", {"wav"}}, Maker{"alaw", {"wav"}},
+                    Maker{"adpcm-ms", {"wav"}}),
     [](const testing::TestParamInfo<Maker>& param) {
         std::string name = param.param.name();
         for (char& letter : name)

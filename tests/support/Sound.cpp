@@ -37,7 +37,8 @@ Sound decodeWithFfmpeg(const std::filesystem::path& file) {
     const Outcome probe = run(
         u"ffprobe"_s, {u"-v"_s, u"error"_s, u"-select_streams"_s, u"a:0"_s, u"-show_entries"_s,
                        u"stream=codec_name,sample_rate,channels"_s, u"-of"_s, u"csv=p=0"_s, path});
-    const QList<QByteArray> fields = probe.out.trimmed().split(',');  // side data may follow
+    // A stream of a programme is told of twice, and side data may follow.
+    const QList<QByteArray> fields = probe.out.trimmed().split('\n').front().split(',');
     EXPECT_GE(fields.size(), 3) << "ffprobe cannot read " << file << ": "
                                 << probe.err.toStdString();
     if (fields.size() < 3) return {};
