@@ -4,6 +4,7 @@
 #include <exception>
 #include <filesystem>
 #include <optional>
+#include <span>
 #include <vector>
 
 #include <QFile>
@@ -16,7 +17,6 @@
 #include "platform/Paths.h"
 #include "platform/ResumeNext.h"
 #include "platform/file/Move.h"
-#include "platform/file/Rename.h"
 #include "platform/file/Replacement.h"
 #include "ports/Boxes.h"
 #include "ports/EventPump.h"
@@ -56,17 +56,9 @@ QByteArray readWhole(const QString& path) {
     throw platform::Error(file.errorString().toStdString());
 }
 
-void removePlaylist(const QString& path) {
-    QFile file(path);
-    if (!file.remove())
-        throw platform::Error("The playlist “" + path.toStdString() +
-                              "” could not be replaced: " + file.errorString().toStdString() + ".");
-}
-
 /// The scratch file is about to be overwritten.
 void refuseAsScratch(const std::filesystem::path& scratch, const QString& needed) {
-    std::error_code unreadable;
-    if (std::filesystem::equivalent(scratch, platform::toPath(needed), unreadable))
+    if (platform::file::isSameFile(scratch, platform::toPath(needed)))
         throw platform::Error("The playlist could not be revised: “" + needed.toStdString() +
                               "” has the name of the file it is revised through.");
 }
@@ -94,17 +86,19 @@ std::optional<QByteArray> revisedInAdvance(const QString& playlist, const QStrin
     return list->bytes();
 }
 
+/// The playlist is replaced through a scratch file beside the renamed one, which is kept where that
+/// fails. A symbolic link stays one; the file behind it keeps its owner and mode.
 void revisePlaylist(const QString& playlist, const QString& folder,
                     const std::optional<QByteArray>& inAdvance, const QString& newPath) {
     const std::filesystem::path scratch = platform::toPath(folder + u"mytemp.dat"_s);
     refuseAsScratch(scratch, playlist);
     refuseAsScratch(scratch, newPath);
     const QByteArray revised = inAdvance ? *inAdvance : readPlaylist(playlist).bytes();
-    platform::file::Replacement file(scratch);
-    file.write(revised.constData(), static_cast<std::size_t>(revised.size()));
-    file.commit();
-    removePlaylist(playlist);
-    platform::file::move(scratch, platform::toPath(playlist));
+    const auto bytes = std::as_bytes(std::span(revised));
+    platform::file::replaceWith(scratch, bytes);
+    platform::file::replaceWith(platform::toPath(playlist), bytes);
+    std::error_code ignored;
+    std::filesystem::remove(scratch, ignored);
 }
 
 /// Takes a step that comes after the renaming; its error says what is done already.

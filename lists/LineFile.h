@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QFile>
+#include <cstdint>
+
 #include <QString>
 #include <QStringList>
+
+#include "platform/file/File.h"
 
 namespace lists {
 
@@ -19,10 +22,14 @@ class LineFile {
     void writeLine(const QString& text);
 
   private:
-    QFile file_;
+    void check(bool done, const std::error_code& error) const;
+
+    QString path_;
+    platform::file::File file_;
+    std::int64_t written_ = 0;
 };
 
-/// Writes a whole file of lines. Throws platform::Error.
+/// Puts a whole file of lines in the place of what was there. Throws platform::Error.
 void writeLines(const QString& path, const QStringList& lines);
 
 }  // namespace lists

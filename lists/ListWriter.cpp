@@ -4,11 +4,11 @@
 #include <cmath>
 #include <optional>
 
-#include <QSaveFile>
-
 #include "lists/Encoding.h"
 #include "lists/ListText.h"
 #include "platform/Error.h"
+#include "platform/Paths.h"
+#include "platform/file/Replacement.h"
 
 namespace lists {
 namespace {
@@ -59,12 +59,7 @@ QByteArray writePls(const std::vector<ListedEntry>& entries) {
 }
 
 void replaceListFile(const QString& path, const QByteArray& bytes) {
-    QSaveFile file(path);  // resolves links; without a fall-back to writing the target itself
-    const bool written =
-        file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit();
-    if (!written)
-        throw platform::Error("The playlist \"" + path.toStdString() +
-                              "\" cannot be written: " + file.errorString().toStdString() + ".");
+    platform::file::replaceWith(platform::toPath(path), std::as_bytes(std::span(bytes)));
 }
 
 }  // namespace lists

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "wizard/Session.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <system_error>
 
@@ -9,17 +8,27 @@
 #include "wizard/Naming.h"
 
 namespace wizard {
+namespace {
+
+// Not every file system keeps the number of a file; its place is the same all the same.
+std::filesystem::path resolved(const std::filesystem::path& file) {
+    std::error_code unknown;
+    const auto place = std::filesystem::weakly_canonical(file, unknown);
+    return unknown ? file : place;
+}
+
+}  // namespace
 
 void Originals::add(const QString& path) {
-    paths_.insert(path);
+    const auto file = platform::toPath(path);
+    if (const auto id = platform::file::idOf(file)) files_.insert(*id);
+    paths_.insert(resolved(file));
 }
 
 bool Originals::contains(const QString& path) const {
     const auto file = platform::toPath(path);
-    return paths_.contains(path) || std::ranges::any_of(paths_, [&](const QString& original) {
-               std::error_code missing;
-               return std::filesystem::equivalent(file, platform::toPath(original), missing);
-           });
+    const auto id = platform::file::idOf(file);
+    return (id && files_.contains(*id)) || paths_.contains(resolved(file));
 }
 
 void Session::addFile(const QString& path) {

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <filesystem>
 #include <set>
 
 #include <QString>
 #include <QStringListModel>
 
+#include "platform/file/FileId.h"
 #include "wizard/Settings.h"
 
 namespace wizard {
@@ -20,7 +22,8 @@ class Originals {
     bool contains(const QString& path) const;
 
   private:
-    std::set<QString> paths_;
+    std::set<platform::file::FileId> files_;
+    std::set<std::filesystem::path> paths_;  ///< links resolved, where the files were
 };
 
 /// One visit to the wizard: its settings and its lists. A window shows the lists as they are, and

@@ -124,4 +124,9 @@ std::size_t EditList::splitAt(std::int64_t frame) {
     return segments_.size();
 }
 
+void EditList::closeFiles() const {
+    for (const Segment& segment : segments_)
+        if (segment.material) segment.material->closeFiles();
+}
+
 }  // namespace audio::edit

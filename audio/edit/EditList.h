@@ -60,6 +60,8 @@ class EditList {
     bool isAllOf(const Material& source) const;
     /// Whether any stretch of `source` is there as it was.
     bool keepsAnyOf(const Material& source) const;
+    /// Closes the files of all materials in the list (Material::closeFiles).
+    void closeFiles() const;
 
   private:
     void replaceBy(FrameRange range, const EditList& middle);

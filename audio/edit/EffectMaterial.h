@@ -16,6 +16,7 @@ class EchoMaterial : public Material {
     EchoMaterial(EditList input, const dsp::EchoSettings& settings);
     std::int64_t frames() const override { return input_.frames(); }
     std::unique_ptr<FrameReader> open() const override;
+    void closeFiles() const override { input_.closeFiles(); }
 
   private:
     EditList input_;
@@ -35,6 +36,10 @@ class MixMaterial : public Material {
         : sound_(std::move(sound)), soundFactor_(soundFactor), other_(std::move(other)) {}
     std::int64_t frames() const override { return sound_.frames(); }
     std::unique_ptr<FrameReader> open() const override;
+    void closeFiles() const override {
+        sound_.closeFiles();
+        other_.material->closeFiles();
+    }
 
   private:
     EditList sound_;

@@ -3,7 +3,6 @@
 #include <cmath>
 
 #include "audio/edit/PositionMap.h"
-#include "audio/edit/ScratchFile.h"
 #include "audio/edit/SoundFeed.h"
 #include "audio/edit/SoundWriters.h"
 #include "audio/ffmpeg/PacketRate.h"
@@ -13,6 +12,8 @@
 #include "audio/write/Encoder.h"
 #include "platform/Error.h"
 #include "platform/Paths.h"
+#include "platform/SystemError.h"
+#include "platform/file/Temporary.h"
 
 namespace audio::edit {
 namespace {
@@ -47,6 +48,17 @@ SaveReport encodeTo(const std::filesystem::path& path, const SaveJob& job, const
     return report;
 }
 
+/// A file in the folder for scratch files, or where that is empty in the system's own.
+void createScratch(platform::file::Temporary& scratch, std::filesystem::path folder) {
+    std::error_code error;
+    if (folder.empty()) folder = std::filesystem::temp_directory_path(error);
+    std::error_code ignored;
+    std::filesystem::create_directories(folder, ignored);
+    if (!error && scratch.create(folder, ".part", error)) return;
+    throw platform::systemError(
+        "No scratch file can be created in \"" + platform::toUtf8(folder) + "\"", error);
+}
+
 /// A few stretches of a list from all over it; the whole of a short one.
 EditList sample(const EditList& list) {
     constexpr std::int64_t parts = 3;
@@ -65,7 +77,8 @@ EditList sample(const EditList& list) {
 std::int64_t rateToAskFor(std::int64_t wanted, const SaveJob& job, const Format& format) {
     SaveJob trial = job;
     trial.list = sample(job.list);
-    const ScratchFile scratch(job.scratchFolder);
+    platform::file::Temporary scratch;
+    createScratch(scratch, job.scratchFolder);
     Work unseen;
     encodeTo(scratch.path(), trial, format, unseen);
     const auto got = double(ffmpeg::measureBitRate(scratch.path()));
@@ -89,7 +102,8 @@ Format formatFor(const SaveJob& job) {
 // The sound is encoded beside, in the folder for scratch files, and put between the metadata.
 SaveReport encodeBetween(const SaveJob& job, tags::Carrier carry, platform::file::Replacement& file,
                          Work& work) {
-    const ScratchFile scratch(job.scratchFolder);
+    platform::file::Temporary scratch;
+    createScratch(scratch, job.scratchFolder);
     const SaveReport report = encodeTo(scratch.path(), job, formatFor(job), work);
     tags::Carriage carriage;
     carriage.encoded = scratch.path();

@@ -43,6 +43,9 @@ class Material {
     virtual bool seeksFast() const { return false; }
     /// A reader of its own, at frame 0. Any thread. The material must outlive it.
     virtual std::unique_ptr<FrameReader> open() const = 0;
+    /// Closes the files that no reader is using, so that they can be replaced; the next reader
+    /// opens them again. Any thread.
+    virtual void closeFiles() const {}
 };
 
 /// What every sound in an edit list has in common.

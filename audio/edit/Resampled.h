@@ -48,6 +48,7 @@ class ResampledMaterial : public Material {
     std::unique_ptr<FrameReader> open() const override {
         return std::make_unique<ResampledReader>(inner_->open(), from_, to_);
     }
+    void closeFiles() const override { inner_->closeFiles(); }
 
   private:
     std::shared_ptr<const Material> inner_;

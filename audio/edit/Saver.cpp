@@ -121,6 +121,15 @@ SaveReport write(const SaveJob& job, platform::file::Replacement& file, Work& wo
     return writeEncoded(job, file, work);
 }
 
+// The last word before the target is replaced: nobody else has changed the source meanwhile,
+// nothing here holds it, and nobody has asked to stop.
+void letGo(const SaveJob& job, Work& work) {
+    job.source->requireUnchanged();
+    job.list.closeFiles();
+    job.source->closeFiles();
+    work.commit();
+}
+
 // What failed on the way to the target is told of the target.
 [[noreturn]] void rethrowNaming(const std::filesystem::path& target,
                                 const std::filesystem::path& temporary, std::string text) {
@@ -153,12 +162,10 @@ SaveReport save(const SaveJob& job, const std::filesystem::path& target, Work& w
     platform::file::Replacement file(target);
     try {
         SaveReport report = write(job, file, work);
-        std::error_code ignored;
-        report.overSource = std::filesystem::equivalent(file.target(), job.source->path(), ignored);
-        file.commit([&](const std::filesystem::path& written) {
-            verifySound(written, job, report);
-            work.advance(0);
-        });
+        report.overSource = platform::file::isSameFile(file.target(), job.source->path());
+        report.written =
+            file.commit({[&](const auto& written) { verifySound(written, job, report); },
+                         [&] { letGo(job, work); }});
         return report;
     } catch (const Cancelled&) {
         throw;

@@ -52,14 +52,16 @@ struct SaveReport {
     std::int64_t renderedFrames = 0;  ///< how many of them are not copies of the source's
     bool overSource = false;          ///< the file that was loaded is the one that was replaced
     bool verified = false;            ///< it has been opened again already
+    platform::file::Stamp written;    ///< of the file that now lies at the target
     std::string note;  ///< why not a cheaper method, where there is one; may be empty
 };
 
 /// Writes the job's sound and metadata to a temporary beside the target, opens it again to see that
 /// it holds what it should, and puts it in the target's place. Decoding, effects and encoding run
-/// side by side. Throws platform::Error naming the target where the format cannot be written or
-/// something in the file could not be carried over, and whatever reading throws; the target is then
-/// as it was.
+/// side by side. The files of the job's materials are closed when the target is replaced; a stop is
+/// heard up to that point and not after it. Throws platform::Error naming the target where the
+/// format cannot be written or something in the file could not be carried over, and whatever
+/// reading throws; the target is then as it was.
 SaveReport save(const SaveJob& job, const std::filesystem::path& target, Work& work);
 
 }  // namespace audio::edit

@@ -30,7 +30,8 @@ class SourceReader : public FrameReader {
 
 }  // namespace
 
-SourceMaterial::SourceMaterial(const std::filesystem::path& file) : stamp_(FileStamp::of(file)) {
+SourceMaterial::SourceMaterial(const std::filesystem::path& file)
+    : stamp_(platform::file::Stamp::of(file)) {
     std::error_code ignored;
     path_ = std::filesystem::absolute(file, ignored);
     auto decoder = std::make_unique<read::Decoder>(path_);
@@ -51,7 +52,7 @@ std::unique_ptr<FrameReader> SourceMaterial::open() const {
 }
 
 void SourceMaterial::requireUnchanged() const {
-    if (FileStamp::of(path_) == stamp_) return;
+    if (platform::file::Stamp::of(path_) == stamp_) return;
     throw platform::Error("\"" + platform::toUtf8(path_) +
                           "\" has been changed by another program since it was loaded.");
 }
@@ -72,6 +73,11 @@ std::unique_ptr<read::Decoder> SourceMaterial::takeDecoder() const {
 void SourceMaterial::giveBack(std::unique_ptr<read::Decoder> decoder) const {
     const std::lock_guard lock(mutex_);
     if (idle_.size() < 2) idle_.push_back(std::move(decoder));
+}
+
+void SourceMaterial::closeFiles() const {
+    const std::lock_guard lock(mutex_);
+    idle_.clear();
 }
 
 void SourceMaterial::testDecode(read::Decoder& decoder) const {

@@ -6,9 +6,9 @@
 #include <mutex>
 #include <vector>
 
-#include "audio/edit/FileStamp.h"
 #include "audio/edit/Material.h"
 #include "audio/read/Decoder.h"
+#include "platform/file/FileId.h"
 
 namespace audio::edit {
 
@@ -24,12 +24,15 @@ class SourceMaterial : public Material {
     std::int64_t frames() const override { return frames_; }
     bool seeksFast() const override { return format_.container != Container::Other; }
     std::unique_ptr<FrameReader> open() const override;
+    void closeFiles() const override;
 
     const std::filesystem::path& path() const { return path_; }
     const Format& format() const { return format_; }
     const Contents& contents() const { return contents_; }
     Shape shape() const { return {format_.sampleRate, format_.channels}; }
 
+    /// Of the file as it was opened.
+    const platform::file::Stamp& stamp() const { return stamp_; }
     /// Throws platform::Error where the file is no longer the one that was opened.
     void requireUnchanged() const;
     /// A decoder of the file, at any position. Give it back where it can serve again.
@@ -40,7 +43,7 @@ class SourceMaterial : public Material {
     void testDecode(read::Decoder& decoder) const;
 
     std::filesystem::path path_;
-    FileStamp stamp_;
+    platform::file::Stamp stamp_;
     Format format_;
     Contents contents_;
     std::int64_t frames_ = 0;

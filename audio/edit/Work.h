@@ -26,10 +26,22 @@ class Work {
     /// Some of it is done. Throws Cancelled after cancel().
     void advance(std::int64_t units) {
         done_ += units;
-        if (cancelled_) throw Cancelled();
+        if (cancelled()) throw Cancelled();
     }
-    void cancel() { cancelled_ = true; }
-    bool cancelled() const { return cancelled_; }
+    /// Nothing, once commit() was called.
+    void cancel() {
+        State expected = State::Running;
+        state_.compare_exchange_strong(expected, State::Cancelled);
+    }
+    bool cancelled() const { return state_ == State::Cancelled; }
+    /// The one point from which on the work succeeds and cannot be stopped any more. Throws
+    /// Cancelled after cancel().
+    void commit() {
+        State expected = State::Running;
+        if (!state_.compare_exchange_strong(expected, State::Committed) &&
+            expected == State::Cancelled)
+            throw Cancelled();
+    }
 
     /// 0 to 99: the end is the end of the work, not of the counting.
     int percent() const {
@@ -39,9 +51,11 @@ class Work {
     }
 
   private:
+    enum class State { Running, Cancelled, Committed };
+
     std::atomic<std::int64_t> done_ = 0;
     std::atomic<std::int64_t> total_ = 0;
-    std::atomic<bool> cancelled_ = false;
+    std::atomic<State> state_ = State::Running;
 };
 
 }  // namespace audio::edit

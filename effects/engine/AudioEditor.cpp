@@ -39,11 +39,14 @@ class AudioEditor::Impl : public std::enable_shared_from_this<Impl> {
     void close() noexcept;
 
     void save(const QString& path, const EditList& list);
+    /// Throws where a file is not the one that was saved.
+    void requireSaved(const platform::file::Stamp& present) const;
 
     QPointer<AudioEditor> owner;
     QString temporaryFolder;
     Sound sound;
-    bool savedOver = false;  ///< the file on disk is not the one that `sound` was opened from
+    /// What a save put in the place of the file that `sound` was opened from.
+    std::optional<platform::file::Stamp> savedOver;
     Selection selection;
     std::optional<audio::Format> output;
     bool keepTags = true;
@@ -79,11 +82,21 @@ Sound& AudioEditor::Impl::loaded() {
     if (savedOver) {
         const QString path = platform::toQString(sound.source->path());
         Sound reopened;
-        run([&](Work&) { reopened = openSound(path); });
+        run([&](Work&) {
+            requireSaved(platform::file::Stamp::of(sound.source->path()));
+            reopened = openSound(path);
+            requireSaved(reopened.source->stamp());
+        });
         sound = reopened;
-        savedOver = false;
+        savedOver.reset();
     }
     return sound;
+}
+
+void AudioEditor::Impl::requireSaved(const platform::file::Stamp& present) const {
+    if (present == savedOver) return;
+    throw platform::Error("\"" + platform::toUtf8(sound.source->path()) +
+                          "\" has been changed by another program since it was saved.");
 }
 
 void AudioEditor::Impl::install(EditList list) {
@@ -97,7 +110,7 @@ void AudioEditor::Impl::install(EditList list) {
 void AudioEditor::Impl::close() noexcept {
     if (work) work->cancel();
     sound = {};
-    savedOver = false;
+    savedOver.reset();
     selection = {};
     output.reset();
 }
@@ -115,7 +128,7 @@ void AudioEditor::Impl::save(const QString& path, const EditList& list) {
     audio::edit::SaveReport report;
     run([&](Work& progress) { report = audio::edit::save(job, target, progress); });
     lastReport = report;
-    savedOver = savedOver || report.overSource;
+    if (report.overSource && sound) savedOver = report.written;
 }
 
 AudioEditor::AudioEditor(QObject* parent) : Editor(parent), impl_(std::make_shared<Impl>(this)) {}
@@ -136,7 +149,7 @@ void AudioEditor::Load(const QString& path) {
     const auto impl = impl_;
     impl->requireIdle();
     impl->sound = {};
-    impl->savedOver = false;
+    impl->savedOver.reset();
     impl->selection = {};
     impl->keepTags = true;
     Sound opened;

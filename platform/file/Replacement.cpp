@@ -39,32 +39,16 @@ class Replacement::Impl {
     explicit Impl(const fs::path& path) : target(resolved(path)) {
         std::error_code error;
         const fs::file_status status = fs::status(target, error);
-        if (fs::exists(status) && !fs::is_regular_file(status)) fail("it is not an ordinary file");
-        if (fs::exists(status) && !isWritable(target)) fail("it is write-protected");
-        create();
+        existed = fs::exists(status);
+        if (existed && !fs::is_regular_file(status)) fail("it is not an ordinary file");
+        if (existed && !isWritable(target)) fail("it is write-protected");
+        if (!temporary.create(target.parent_path(), target.extension(), error))
+            fail("no file can be created in its folder (" + error.message() + ")");
+        name = temporary.path();
     }
-    ~Impl() {
-        file.close();
-        std::error_code ignored;
-        if (!committed) fs::remove(temporary, ignored);
-    }
-    Impl(const Impl&) = delete;
-    Impl& operator=(const Impl&) = delete;
 
     [[noreturn]] void fail(const std::string& reason) const {
         throw Error("\"" + toUtf8(target) + "\" cannot be saved: " + reason + ".");
-    }
-
-    void create() {
-        removeLeftovers(target.parent_path());
-        for (int attempt = 0; attempt < 100; ++attempt) {
-            temporary = temporaryBeside(target);
-            std::error_code error;
-            if (file.createNew(temporary, error)) return;
-            if (error != std::errc::file_exists)
-                fail("no file can be created in its folder (" + error.message() + ")");
-        }
-        fail("no file can be created in its folder");
     }
 
     template <typename Action>
@@ -73,10 +57,28 @@ class Replacement::Impl {
         if (!action(error)) fail(std::string(what) + " failed (" + error.message() + ")");
     }
 
+    bool targetIsThere() const {
+        std::error_code unknown;
+        const fs::file_status status = fs::symlink_status(target, unknown);
+        return status.type() != fs::file_type::not_found;
+    }
+
+    /// Where the system has taken the old file away and not put the new one in its place, the new
+    /// one is all there is.
+    void putInPlace() {
+        std::error_code error;
+        if (temporary.replace(target, Sync::Now, error)) return;
+        const std::string reason = "putting it in its place failed (" + error.message() + ")";
+        if (!existed || targetIsThere()) fail(reason);
+        fail(reason + ", and the file itself is gone; its new content is kept in \"" +
+             toUtf8(temporary.keep()) + "\"");
+    }
+
     fs::path target;
-    fs::path temporary;
-    File file;
+    Temporary temporary;
+    fs::path name;  ///< of the temporary
     std::int64_t position = 0;
+    bool existed = false;  ///< the target, at the beginning
     bool committed = false;
 };
 
@@ -89,12 +91,12 @@ const fs::path& Replacement::target() const {
 }
 
 const fs::path& Replacement::temporary() const {
-    return impl_->temporary;
+    return impl_->name;
 }
 
 void Replacement::write(std::span<const std::byte> bytes) {
     impl_->step("writing", [&](std::error_code& error) {
-        return impl_->file.writeAt(impl_->position, bytes, error);
+        return impl_->temporary.file().writeAt(impl_->position, bytes, error);
     });
     impl_->position += static_cast<std::int64_t>(bytes.size());
 }
@@ -108,7 +110,7 @@ void Replacement::copyFrom(const fs::path& source, std::int64_t offset, std::int
     impl_->step("reading its source",
                 [&](std::error_code& error) { return from.openForReading(source, error); });
     impl_->step("copying from its source", [&](std::error_code& error) {
-        return impl_->file.copyFrom(from, offset, size, impl_->position, error);
+        return impl_->temporary.file().copyFrom(from, offset, size, impl_->position, error);
     });
     impl_->position += size;
 }
@@ -122,26 +124,38 @@ std::int64_t Replacement::position() const {
 }
 
 void Replacement::truncate(std::int64_t size) {
-    impl_->step("shortening it",
-                [&](std::error_code& error) { return impl_->file.resize(size, error); });
+    impl_->step("shortening it", [&](std::error_code& error) {
+        return impl_->temporary.file().resize(size, error);
+    });
     impl_->position = size;
 }
 
-void Replacement::commit(const std::function<void(const fs::path&)>& verify) {
+Stamp Replacement::commit(const Checks& checks) {
     Impl& impl = *impl_;
     if (impl.committed) impl.fail("it was saved already");
-    if (verify) verify(impl.temporary);
-    std::error_code ignored;
-    if (fs::exists(impl.target, ignored))
+    if (checks.verify) checks.verify(impl.name);
+    File& file = impl.temporary.file();
+    if (impl.targetIsThere())
         impl.step("keeping its owner, mode and attributes", [&](std::error_code& error) {
-            return impl.file.copyAttributesOf(impl.target, error);
+            return file.copyAttributesOf(impl.target, error);
         });
-    impl.step("writing it to the disk",
-              [&](std::error_code& error) { return impl.file.sync(error); });
-    impl.step("putting it in its place", [&](std::error_code& error) {
-        return impl.file.replace(impl.temporary, impl.target, error);
+    impl.step("writing it to the disk", [&](std::error_code& error) { return file.sync(error); });
+    Stamp stamp;
+    impl.step("looking at it", [&](std::error_code& error) {
+        const auto seen = file.stamp(error);
+        if (seen) stamp = *seen;
+        return seen.has_value();
     });
+    if (checks.last) checks.last();
+    impl.putInPlace();
     impl.committed = true;
+    return stamp;
+}
+
+void replaceWith(const fs::path& target, std::span<const std::byte> bytes) {
+    Replacement replacement(target);
+    replacement.write(bytes);
+    replacement.commit();
 }
 
 }  // namespace platform::file

@@ -8,14 +8,16 @@
 #include <memory>
 #include <span>
 
+#include "platform/file/FileId.h"
+
 namespace platform::file {
 
-/// Replaces a file whole or not at all. It writes to a temporary in the target's own folder and
+/// Replaces a file whole or not at all. It writes to a Temporary in the target's own folder and
 /// renames that over the target; the target itself is never opened for writing. Symbolic links are
 /// followed first: the file behind them is the target. Until commit() has succeeded the target is
-/// as it was, and whatever goes wrong, also a missing commit(), takes the temporary away again;
-/// that of a process that was killed is removed by the next one that saves in the folder. Not for
-/// several threads at once. Every error is a platform::Error that names target and step.
+/// as it was, and whatever goes wrong, also a missing commit(), takes the temporary away again,
+/// unless the target itself has gone meanwhile. Not for several threads at once. Every error is a
+/// platform::Error that names target and step.
 class Replacement {
   public:
     /// Creates the empty temporary. Throws where the folder does not allow that, where the target
@@ -41,15 +43,27 @@ class Replacement {
     /// Ends the temporary at this place, and continues there.
     void truncate(std::int64_t size);
 
-    /// Flushes, lets `verify` look at the finished temporary (it throws to refuse it), gives it the
-    /// target's owner, mode and extended attributes, syncs it, renames it over the target and syncs
-    /// the folder. A new target gets the mode any new file gets.
-    void commit(
-        const std::function<void(const std::filesystem::path& temporary)>& verify = nullptr);
+    /// What others have to say before the file is replaced. Either may throw to refuse it.
+    struct Checks {
+        /// Looks at the finished temporary.
+        std::function<void(const std::filesystem::path& temporary)> verify;
+        /// The last word: it closes what still holds the target. When it returns, only the system
+        /// can fail.
+        std::function<void()> last;
+    };
+
+    /// Lets `verify` look at the finished temporary, gives it the target's mode, extended
+    /// attributes and, as far as this user may, owner and group, syncs it, asks `last`, renames it
+    /// over the target and syncs the folder. A new target gets the mode any new file gets. Returns
+    /// the stamp of what now lies there.
+    Stamp commit(const Checks& checks = {});
 
   private:
     class Impl;
     std::unique_ptr<Impl> impl_;
 };
+
+/// Puts bytes in the place of a file, or under a new name, through a Replacement.
+void replaceWith(const std::filesystem::path& target, std::span<const std::byte> bytes);
 
 }  // namespace platform::file

@@ -12,17 +12,14 @@ namespace {
 // Large enough that system calls cost nothing beside the copy, small enough for the cache.
 constexpr std::size_t windowBytes = 256 * 1024;
 
-platform::Error unreadable(const std::filesystem::path& path, const QFile& file) {
-    return platform::Error("The file \"" + platform::toUtf8(path) +
-                           "\" cannot be read: " + file.errorString().toStdString() + ".");
-}
-
 }  // namespace
 
-WindowReader::WindowReader(const std::filesystem::path& file)
-    : path_(file), file_(platform::toQString(file)) {
-    if (!file_.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) throw unreadable(path_, file_);
-    size_ = file_.size();
+WindowReader::WindowReader(const std::filesystem::path& file) : path_(file) {
+    std::error_code error;
+    if (!file_.openForReading(path_, error)) fail(error);
+    const auto about = file_.stamp(error);
+    if (!about) fail(error);
+    size_ = about->size;
 }
 
 std::span<const std::uint8_t> WindowReader::at(std::int64_t offset, std::size_t count) {
@@ -41,21 +38,24 @@ void WindowReader::fill(std::int64_t offset, std::size_t count) {
     const auto left = static_cast<std::size_t>(size_ - offset);
     const std::size_t wanted = std::min(std::max(count, windowBytes), left);
     if (window_.size() < wanted) window_.resize(wanted);
-    if (!file_.seek(offset)) throw unreadable(path_, file_);
+    std::error_code error;
     std::size_t got = 0;
     while (got < wanted) {
-        const qint64 bytes = file_.read(reinterpret_cast<char*>(window_.data()) + got,
-                                        static_cast<qint64>(wanted - got));
-        if (bytes < 0) throw unreadable(path_, file_);
-        if (bytes == 0) break;
-        got += static_cast<std::size_t>(bytes);
+        const auto bytes = file_.readSome(
+            offset + static_cast<std::int64_t>(got),
+            std::as_writable_bytes(std::span(window_).subspan(got, wanted - got)), error);
+        if (!bytes) fail(error);
+        if (*bytes == 0) break;
+        got += *bytes;
     }
-    if (got < count) {
-        throw platform::Error("The file \"" + platform::toUtf8(path_) +
-                              "\" became shorter while it was read.");
-    }
+    if (got < count)
+        throw Error("The file \"" + toUtf8(path_) + "\" became shorter while it was read.");
     windowStart_ = offset;
     windowSize_ = got;
+}
+
+void WindowReader::fail(const std::error_code& reason) const {
+    throw Error("The file \"" + toUtf8(path_) + "\" cannot be read: " + reason.message() + ".");
 }
 
 }  // namespace platform::file

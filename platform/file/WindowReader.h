@@ -7,7 +7,7 @@
 #include <span>
 #include <vector>
 
-#include <QFile>
+#include "platform/file/File.h"
 
 namespace platform::file {
 
@@ -31,9 +31,10 @@ class WindowReader {
 
   private:
     void fill(std::int64_t offset, std::size_t count);
+    [[noreturn]] void fail(const std::error_code& reason) const;
 
     std::filesystem::path path_;
-    QFile file_;
+    File file_;
     std::int64_t size_ = 0;
     std::vector<std::uint8_t> window_;
     std::int64_t windowStart_ = 0;

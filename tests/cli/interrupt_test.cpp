@@ -210,6 +210,26 @@ TEST(Interrupted, ASaveThatIsUnderWayLosesNothingToAnother) {
     EXPECT_NE(readBytes(platform::toPath(files.big)), before);
 }
 
+// Control C at the very moment of the commit: what is said and what lies on the disk are one.
+TEST(Interrupted, AtTheCommitTheReportIsTrue) {
+    for (const char* kind : kinds) {
+        for (const bool before : {false, true}) {
+            TempFolder folder;
+            const QString file = copyOf(kind, folder, QString::fromUtf8(kind));
+            QProcess process;
+            QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+            environment.insert(u"LD_PRELOAD"_s, QStringLiteral(STOP_AT_RENAME));
+            if (before) environment.insert(u"STOP_BEFORE_RENAME"_s, u"1"_s);
+            process.setProcessEnvironment(environment);
+            start(process, {file});
+            ASSERT_TRUE(process.waitForFinished(60000));
+            EXPECT_TRUE(process.readAllStandardOutput().contains("1 file done"));
+            EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().toStdString();
+            EXPECT_NE(readBytes(platform::toPath(file)), readBytes(fixture(kind)));
+        }
+    }
+}
+
 // Every process looks for leftovers as it begins, just when the others make their temporaries.
 TEST(Interrupted, ManySavesInOneFolderAtATime) {
     TempFolder folder;

@@ -7,6 +7,7 @@
 
 #include "player/engine/PlayerEngine.h"
 #include "tests/effects/EffectsWindow.h"
+#include "tests/support/Interposed.h"
 #include "tests/support/Sound.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -362,8 +363,16 @@ TEST_F(EffectRun, SavingWhatIsPlayedKeepsItPlaying) {
     auto& engine = find<player::PlayerEngine>(*window, "PlayerEngine1");
     engine.PlaylistPlayItem(0, 0);
     ASSERT_TRUE(waitFor([&] { return engine.GetPosition(0) > 300; }));
+    int commits = 0;  // of the sound; neither player nor editor may hold it then
+    const support::InterposedReset reset;
+    support::interposed.rename = [&](const char* from, const char* to) {
+        ++commits;
+        EXPECT_EQ(support::descriptorsOf(to), 0);
+        return support::systemRename(from, to);
+    };
     click(*window, "Button12");
     EXPECT_EQ(engine.GetPlayerStatus(0), player::StatusPlaying);
+    EXPECT_EQ(commits, 1);
     const int place = engine.GetPosition(0);
     EXPECT_GT(place, 0);
     EXPECT_TRUE(waitFor([&] { return engine.GetPosition(0) > place + 300; }));

@@ -206,6 +206,22 @@ TEST_F(RenameCommand, TheListMayLieOnAnotherFileSystem) {
     EXPECT_EQ(entries().value(0), at(u"music/new.mp3"_s));
 }
 
+TEST_F(RenameCommand, AListBehindALinkStaysThereWithItsMode) {
+    writeFile(folder / "real.m3u", absoluteList());
+    fs::permissions(folder / "real.m3u", fs::perms::owner_read | fs::perms::owner_write);
+    fs::create_symlink("real.m3u", folder / "list.m3u");
+    window.openPaths({at(u"list.m3u"_s)});
+    select({1});
+    expectRenaming(u"new"_s);
+    answerMessageBox(QMessageBox::Ok);
+    run();
+    EXPECT_TRUE(fs::is_symlink(folder / "list.m3u"));
+    EXPECT_EQ(fs::status(folder / "real.m3u").permissions(),
+              fs::perms::owner_read | fs::perms::owner_write);
+    EXPECT_EQ(readFile(folder / "real.m3u").find("one.mp3"), std::string::npos);
+    EXPECT_EQ(entries().value(0), at(u"music/new.mp3"_s));
+}
+
 // The list is revised through mytemp.dat beside the file; that must not be the list itself, nor
 // the file that was just renamed.
 TEST_F(RenameCommand, TheScratchFileNeverEatsTheList) {

@@ -6,7 +6,7 @@
 
 #include <gmock/gmock.h>
 
-#include "platform/file/Rename.h"
+#include "platform/file/Move.h"
 #include "tests/platform/file/FileTools.h"
 #include "tests/support/TempFolder.h"
 
