@@ -4,7 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
+
+#include "platform/file/File.h"
 
 namespace audio::write {
 
@@ -13,20 +14,21 @@ namespace audio::write {
 class OutputFile {
   public:
     /// Creates or empties the file.
-    explicit OutputFile(const std::filesystem::path& file);
+    explicit OutputFile(const std::filesystem::path& path);
 
     void append(const unsigned char* bytes, std::size_t count);
     /// Overwrites bytes near the file's start; appending goes on at its end.
     void overwrite(std::int64_t offset, const unsigned char* bytes, std::size_t count);
-    void close();
+    void close() { file_.close(); }
 
-    const std::filesystem::path& path() const { return file_; }
+    const std::filesystem::path& path() const { return path_; }
 
   private:
-    void check();
+    [[noreturn]] void fail(const std::error_code& reason) const;
 
-    std::filesystem::path file_;
-    std::ofstream stream_;
+    std::filesystem::path path_;
+    platform::file::File file_;
+    std::int64_t size_ = 0;
 };
 
 }  // namespace audio::write

@@ -162,10 +162,11 @@ TEST(Replacement, ARefusedResultLeavesTheOldFile) {
         support::TempFolder folder;
         support::TempFolder elsewhere;
         put(elsewhere / "kept", "kept");
-        for (const char* name : {".tracksmith-abcdefghijk.mp3", ".tracksmith-abcdefghijklm.mp3",
-                                 ".tracksmith-abcdefghijkL", ".tracksmith-abcdefghijkl.tar.gz",
-                                 ".tracksmith-abcdefghijkl~", ".tracksmith-abcdefghijkl-kept.mp3", ".tracksmith-", "tracksmith",
-                                 "x.tracksmith-abcdefghijkl", ".tracksmith-abcdefghijk\xff"})
+        for (const char* name :
+             {".tracksmith-abcdefghijk.mp3", ".tracksmith-abcdefghijklm.mp3",
+              ".tracksmith-abcdefghijkL", ".tracksmith-abcdefghijkl.tar.gz",
+              ".tracksmith-abcdefghijkl~", ".tracksmith-abcdefghijkl-kept.mp3", ".tracksmith-",
+              "tracksmith", "x.tracksmith-abcdefghijkl", ".tracksmith-abcdefghijk\xff"})
             put(folder / name, "kept");
         fs::create_directory(folder / ".tracksmith-aaaaaaaaaaaa.mp3");
         fs::create_symlink(elsewhere / "kept", folder / ".tracksmith-bbbbbbbbbbbb.mp3");
