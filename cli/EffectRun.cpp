@@ -69,6 +69,7 @@ QJsonObject detailsOf(const audio::edit::SaveReport& report) {
                         {u"frames"_s, static_cast<qint64>(report.frames)},
                         {u"newFrames"_s, static_cast<qint64>(report.renderedFrames)}};
     if (!report.note.empty()) details[u"note"_s] = QString::fromStdString(report.note);
+    if (!report.notice.empty()) details[u"notice"_s] = QString::fromStdString(report.notice);
     return details;
 }
 

@@ -66,7 +66,9 @@ void Report::done(const QString& file, const QString& output, const QJsonObject&
         if (!output.isEmpty()) fields[u"output"_s] = output;
         return writeJson(fields);
     }
-    write(out_, u"done: "_s + file + (output.isEmpty() ? QString() : u" -> "_s + output));
+    const QString notice = details[u"notice"_s].toString();
+    write(out_, u"done: "_s + file + (output.isEmpty() ? QString() : u" -> "_s + output) +
+                    (notice.isEmpty() ? QString() : u" ("_s + notice + u")"_s));
 }
 
 void Report::failed(const QString& file, const QString& reason) {

@@ -30,7 +30,8 @@ class Report {
     void begin(std::size_t files);
     /// How much of a file of the run (counted from 0) is done, 0 to 1.
     void progress(std::size_t file, double fraction);
-    /// One file was done; `output` where the result lies in another file, `details` for programs.
+    /// One file was done; `output` where the result lies in another file, `details` for programs,
+    /// of which "notice" is told to people too.
     void done(const QString& file, const QString& output = {}, const QJsonObject& details = {});
     /// One file was not done; the reason is a whole sentence. Counts for the exit code.
     void failed(const QString& file, const QString& reason);

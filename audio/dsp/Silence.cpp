@@ -11,6 +11,9 @@ namespace {
 // Windows asked for at first; each time none of them is heard, twice as many.
 constexpr std::size_t firstSpan = 200;
 
+// LUFS. What is louder a person hears, however loud the rest of the sound is.
+constexpr double audibleLoudness = -50;
+
 template <typename Heard>
 std::optional<std::size_t> firstHeard(std::size_t count, const MeasureWindows& windows,
                                       Heard heard) {
@@ -44,7 +47,7 @@ FrameRange audibleRange(const WindowGrid& grid, double gatedLoudness, double thr
                         const MeasureWindows& windows) {
     const FrameRange whole{0, grid.frames()};
     if (!std::isfinite(gatedLoudness)) return whole;
-    const double limit = gatedLoudness - std::fabs(threshold);
+    const double limit = std::min(gatedLoudness - std::fabs(threshold), audibleLoudness);
     const auto heard = [limit](float window) { return window >= limit; };
     const auto first = firstHeard(grid.count(), windows, heard);
     if (!first) return whole;

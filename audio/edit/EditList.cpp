@@ -79,6 +79,13 @@ void EditList::replace(FrameRange range, std::shared_ptr<const Material> materia
     replaceBy(range, middle);
 }
 
+void EditList::append(std::shared_ptr<const Material> material, std::int64_t start, double factor) {
+    EditList rest = EditList(shape_, std::move(material));
+    rest = rest.slice({std::min(start, rest.frames()), rest.frames()});
+    rest.applyGain({0, rest.frames()}, factor, factor);
+    append(rest);
+}
+
 bool EditList::isAllOf(const Material& source) const {
     return frames_ == source.frames() && (frames_ == 0 || segments_.size() == 1) &&
            keepsAnyOf(source) == (frames_ > 0);

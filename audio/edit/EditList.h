@@ -55,6 +55,8 @@ class EditList {
     void applyGain(FrameRange range, double first, double last, int channel = allChannels);
     /// Puts other sound of the same shape in the place of a range.
     void replace(FrameRange range, std::shared_ptr<const Material> material);
+    /// Adds the material's frames from `start` on, times `factor`, behind the end.
+    void append(std::shared_ptr<const Material> material, std::int64_t start, double factor);
 
     /// Whether nothing but `source`, from its first to its last frame, is in the list.
     bool isAllOf(const Material& source) const;

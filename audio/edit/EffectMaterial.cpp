@@ -56,10 +56,7 @@ class MixReader : public FrameReader {
           channels_(static_cast<std::size_t>(sound.shape().channels)),
           soundFactor_(soundFactor),
           other_(other.material->open()),
-          otherStart_(other.start),
-          otherFactor_(other.factor) {
-        other_->seek(std::min(otherStart_, other.material->frames()));
-    }
+          otherFactor_(other.factor) {}
 
     std::size_t read(float* interleaved, std::size_t frames) override {
         const std::size_t got = sound_.read(interleaved, frames);
@@ -71,7 +68,7 @@ class MixReader : public FrameReader {
 
     void seek(std::int64_t frame) override {
         sound_.seek(frame);
-        other_->seek(otherStart_ + frame);
+        other_->seek(frame);
     }
 
   private:
@@ -79,7 +76,6 @@ class MixReader : public FrameReader {
     std::size_t channels_;
     double soundFactor_;
     std::unique_ptr<FrameReader> other_;
-    std::int64_t otherStart_;
     double otherFactor_;
     std::vector<float> mixed_;
 };

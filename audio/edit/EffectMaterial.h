@@ -23,13 +23,12 @@ class EchoMaterial : public Material {
     dsp::EchoSettings settings_;
 };
 
-/// An edit list × soundFactor + other sound × otherFactor. Frame `otherStart` of the other sound,
-/// which has the same shape, falls on frame 0; behind its end nothing is added.
+/// An edit list × soundFactor + other sound of the same shape × its factor, both from their frame
+/// 0 on; behind the other's end nothing is added.
 class MixMaterial : public Material {
   public:
     struct Other {
         std::shared_ptr<const Material> material;
-        std::int64_t start = 0;
         double factor = 1.0;
     };
     MixMaterial(EditList sound, double soundFactor, Other other)

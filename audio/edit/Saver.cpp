@@ -2,6 +2,7 @@
 #include "audio/edit/Saver.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "audio/edit/Resampled.h"
 #include "audio/edit/SoundWriters.h"
@@ -75,6 +76,16 @@ std::int64_t SaveJob::outputFrames() const {
 
 namespace {
 
+// What is wrong with a finished file, in words that follow "came out".
+std::string wrongWith(const Format& format, std::int64_t frames, const SaveJob& job,
+                      const SaveReport& report) {
+    if (format.sampleRate != job.output.sampleRate) return "with another sampling rate";
+    if (format.channels != job.output.channels) return "with another number of channels";
+    const std::int64_t wrong = frames - report.frames;
+    const std::int64_t ms = std::max<std::int64_t>(1, std::abs(wrong) * 1000 / format.sampleRate);
+    return std::to_string(ms) + " ms too " + (wrong < 0 ? "short" : "long");
+}
+
 void verifySound(const std::filesystem::path& written, const SaveJob& job,
                  const SaveReport& report) {
     job.source->requireUnchanged();
@@ -84,8 +95,10 @@ void verifySound(const std::filesystem::path& written, const SaveJob& job,
     if (format.sampleRate == job.output.sampleRate && format.channels == job.output.channels &&
         decoder.frames() == report.frames)
         return;
-    throw platform::Error("The finished file holds " + std::to_string(decoder.frames()) +
-                          " frames instead of " + std::to_string(report.frames) +
+    throw platform::Error("\"" + platform::toUtf8(written) +
+                          "\" was not changed: what was to take "
+                          "its place came out " +
+                          wrongWith(format, decoder.frames(), job, report) +
                           ", so it was thrown away.");
 }
 

@@ -53,7 +53,8 @@ struct SaveReport {
     bool overSource = false;          ///< the file that was loaded is the one that was replaced
     bool verified = false;            ///< it has been opened again already
     platform::file::Stamp written;    ///< of the file that now lies at the target
-    std::string note;  ///< why not a cheaper method, where there is one; may be empty
+    std::string note;    ///< why not a cheaper method, where there is one; may be empty
+    std::string notice;  ///< what was asked for and left undone, for the user; may be empty
 };
 
 /// Writes the job's sound and metadata to a temporary beside the target, opens it again to see that

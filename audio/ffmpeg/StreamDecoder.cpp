@@ -69,6 +69,7 @@ const AVCodec* findDecoder(AVCodecID id) {
 
 StreamDecoder::StreamDecoder(const AVCodecParameters& parameters, AVRational timeBase, Trims trims)
     : frame_(makeFrame()) {
+    silenceFfmpeg();
     const AVCodec* codec = findDecoder(parameters.codec_id);
     if (!codec) {
         const std::string name = avcodec_get_name(parameters.codec_id);

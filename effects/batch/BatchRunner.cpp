@@ -87,7 +87,10 @@ void BatchRunner::save() {
     const QScopedValueRollback busy(saving_, true);
     ports_.events.yield();
     const QString path = controls_.fileName();
-    attempt([&] { controls_.replaceFile(path, [&] { editor_.Save(path, true, 0); }); });
+    attempt([&] {
+        controls_.replaceFile(path, [&] { editor_.Save(path, true, 0); });
+        if (reason_.isEmpty()) reason_ = editor_.SaveNotice();
+    });
     ports_.events.yield();
 }
 

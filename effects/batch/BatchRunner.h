@@ -22,7 +22,8 @@ struct BatchJob {
 };
 
 /// Applies one effect to every selected file of the playlist, in place: load, effect, save, next.
-/// No engine error ends a run; the row of a file that failed is marked with the first reason. One
+/// No engine error ends a run; the row of a file that failed, or was left as it is, is marked with
+/// the first reason. One
 /// run at a time; it yields to the window's events throughout, so it must not be started again from
 /// within: see running(). Window thread.
 class BatchRunner {

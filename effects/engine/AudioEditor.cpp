@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 #include <QPointer>
 
@@ -33,6 +34,8 @@ class AudioEditor::Impl : public std::enable_shared_from_this<Impl> {
     /// The loaded sound; throws where there is none. Opens the file again where it has been saved
     /// over.
     Sound& loaded();
+    /// Bits of the file's samples; of floats and lossy sound, what they are good for.
+    int depth() const;
     FrameRange range() { return rangeInside(selection, loaded().list.frames()); }
     /// Puts a list of another length in place of the present one.
     void install(EditList list);
@@ -51,6 +54,7 @@ class AudioEditor::Impl : public std::enable_shared_from_this<Impl> {
     std::optional<audio::Format> output;
     bool keepTags = true;
     audio::edit::SaveReport lastReport;
+    std::string notice;          ///< what an operation since Load or Save has left undone
     std::shared_ptr<Work> work;  ///< of the operation in hand, else null
 };
 
@@ -99,6 +103,14 @@ void AudioEditor::Impl::requireSaved(const platform::file::Stamp& present) const
                           "\" has been changed by another program since it was saved.");
 }
 
+int AudioEditor::Impl::depth() const {
+    const audio::codec::Format& format = sound.source->format();
+    const bool floats = format.sampleType == audio::codec::SampleType::F32 ||
+                        format.sampleType == audio::codec::SampleType::F64;
+    if (floats) return 24;
+    return format.bitsPerSample > 0 ? format.bitsPerSample : 16;
+}
+
 void AudioEditor::Impl::install(EditList list) {
     if (list.frames() > std::numeric_limits<std::int32_t>::max())
         throw platform::Error("The sound would become longer than 2147483647 frames.");
@@ -113,6 +125,7 @@ void AudioEditor::Impl::close() noexcept {
     savedOver.reset();
     selection = {};
     output.reset();
+    notice.clear();
 }
 
 void AudioEditor::Impl::save(const QString& path, const EditList& list) {
@@ -127,6 +140,7 @@ void AudioEditor::Impl::save(const QString& path, const EditList& list) {
     const std::filesystem::path target = platform::toPath(path);
     audio::edit::SaveReport report;
     run([&](Work& progress) { report = audio::edit::save(job, target, progress); });
+    report.notice = std::exchange(notice, {});
     lastReport = report;
     if (report.overSource && sound) savedOver = report.written;
 }
@@ -152,6 +166,7 @@ void AudioEditor::Load(const QString& path) {
     impl->savedOver.reset();
     impl->selection = {};
     impl->keepTags = true;
+    impl->notice.clear();
     Sound opened;
     impl->run([&](Work&) { opened = openSound(path); });
     impl->sound = std::move(opened);
@@ -174,6 +189,10 @@ void AudioEditor::Save(const QString& path, bool selectionOnly, int) {
 
 const audio::edit::SaveReport& AudioEditor::LastSaveReport() const {
     return impl_->lastReport;
+}
+
+QString AudioEditor::SaveNotice() const {
+    return QString::fromStdString(impl_->lastReport.notice);
 }
 
 void AudioEditor::SetSelectionActive(bool active) {
@@ -230,10 +249,12 @@ void AudioEditor::Normalize(float percent, bool linkedChannels) {
     const auto impl = impl_;
     const FrameRange range = impl->range();
     EditList list = impl->loaded().list;
+    float highest = 0;
     impl->run([&](Work& work) {
         const std::vector<float> peaks = measurePeaks(list, range, linkedChannels, work);
         for (std::size_t channel = 0; channel < peaks.size(); ++channel) {
-            if (peaks[channel] == 0.0F) continue;
+            highest = std::max(highest, peaks[channel]);
+            if (countsAsSilence(peaks[channel])) continue;
             const double gain =
                 static_cast<double>(percent) / 100.0 / static_cast<double>(peaks[channel]);
             list.applyGain(range, gain, gain,
@@ -241,6 +262,7 @@ void AudioEditor::Normalize(float percent, bool linkedChannels) {
         }
     });
     impl->install(std::move(list));
+    if (countsAsSilence(highest)) impl->notice = notNormalized(highest);
 }
 
 void AudioEditor::InsertSilence(std::int32_t milliseconds) {
@@ -278,10 +300,16 @@ void AudioEditor::TrimSilence(float threshold, float windowMs, std::int32_t mode
     if (mode == 0) return;
     EditList list = impl->loaded().list;
     impl->run([&](Work& work) {
-        const FrameRange kept = measureAudible(
-            list, range, {static_cast<double>(threshold), static_cast<double>(windowMs)}, work);
-        if (mode == 2) list.erase({kept.end, range.end});
-        list.erase({range.start, kept.start});
+        const SilenceSettings settings{static_cast<double>(threshold),
+                                       static_cast<double>(windowMs), impl->depth()};
+        const AudibleRange audible = measureAudible(list, range, settings, work);
+        const auto [start, end] = audible.kept;
+        if (audible.soundAtStart) list.applyGain({start, start + audible.fadeFrames}, 0, 1);
+        if (mode == 2) {
+            if (audible.soundAtEnd) list.applyGain({end - audible.fadeFrames, end}, 1, 0);
+            list.erase({end, range.end});
+        }
+        list.erase({range.start, start});
     });
     impl->install(std::move(list));
 }
@@ -300,16 +328,18 @@ void AudioEditor::MixFile(const QString& path, float soundPercent, float filePer
     const FrameRange range = impl->range();
     EditList list = impl->loaded().list;
     const double soundFactor = static_cast<double>(soundPercent) / 100.0;
-    const std::int64_t skipped = range.start - impl->selection.start;
     audio::edit::MixMaterial::Other other;
-    impl->run([&](Work&) { other = openForMix(path, list.shape(), skipped, filePercent); });
-    const std::int64_t heard =
-        std::clamp<std::int64_t>(other.material->frames() - skipped, 0, range.end - range.start);
+    impl->run([&](Work&) { other = openForMix(path, list.shape(), filePercent); });
+    const std::int64_t length = list.frames();
+    const std::int64_t heard = std::min(other.material->frames(), range.end - range.start);
     const FrameRange both{range.start, range.start + heard};
     if (heard > 0)
         list.replace(
             both, std::make_shared<audio::edit::MixMaterial>(list.slice(both), soundFactor, other));
     if (both.end < range.end) list.applyGain({both.end, range.end}, soundFactor, soundFactor);
+    // What a range that begins before the sound was to hold, but the sound is too short for.
+    if (impl->selection.start < 0 && range.end == length)
+        list.append(other.material, heard, other.factor);
     impl->install(std::move(list));
 }
 

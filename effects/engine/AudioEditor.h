@@ -40,6 +40,7 @@ class AudioEditor : public Editor {
     void Save(const QString& path, bool selectionOnly, int reserved = 0) override;
     /// How the last successful Save went about it: what was copied and what was encoded.
     const audio::edit::SaveReport& LastSaveReport() const;
+    QString SaveNotice() const override;
 
     void SetSelectionActive(bool active) override;
     bool SelectionActive() const;

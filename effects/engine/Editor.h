@@ -32,6 +32,9 @@ class Editor : public QObject {
     /// carry over. After a save over the loaded file itself that file is the loaded sound, as if
     /// loaded anew but with the selection kept.
     virtual void Save(const QString& path, bool selectionOnly, int reserved) = 0;
+    /// What had been asked for and the last successful Save therefore does not hold, as a sentence
+    /// for the user; mostly empty.
+    virtual QString SaveNotice() const = 0;
 
     // The selection: a range of frames, stored as given.
     virtual void SetSelectionActive(bool active) = 0;
@@ -50,7 +53,8 @@ class Editor : public QObject {
     virtual void Fade(float startPercent, float endPercent) = 0;
     virtual void Amplify(float percent) = 0;
     /// The highest absolute sample becomes `percent` of full scale: of all channels together where
-    /// they are linked, else of each channel by itself. Silence stays silence.
+    /// they are linked, else of each channel by itself. Silence stays silence, and so does what has
+    /// no sample above -60 dBFS, dither for instance: SaveNotice() says so.
     virtual void Normalize(float percent, bool linkedChannels) = 0;
     /// At the selection start, whether or not the selection is active; the sound grows.
     virtual void InsertSilence(std::int32_t milliseconds) = 0;
@@ -59,11 +63,14 @@ class Editor : public QObject {
     virtual void Echo(float time, float depth, float gain, float rate, float cutoff,
                       std::int32_t count) = 0;
     /// Cuts what is silent at the ends of the range: windows whose loudness lies more than
-    /// |threshold| LU below the range's own. mode 2 = both ends, 1 = the start, 0 = nothing.
+    /// |threshold| LU below the range's own and below -50 LUFS; a cut that does not fall on silence
+    /// gets a fade of 5 ms. mode 2 = both ends, 1 = the start, 0 = nothing.
     virtual void TrimSilence(float threshold, float windowMs, std::int32_t mode) = 0;
     virtual void DeleteSelection() = 0;
     /// Frame k of the file, brought to the sound's rate and channels, is added at the selection
-    /// start + k, also where that start is negative. The file must stay until the sound is saved.
+    /// start + k, up to the selection's end. A selection that begins before the sound begins at 0
+    /// instead; what of the file then reaches past the sound's end is appended, so that nothing of
+    /// either is lost. The file must stay until the sound is saved.
     virtual void MixFile(const QString& path, float soundPercent, float filePercent) = 0;
 
     // For the saves that follow, until CloseSound.

@@ -19,12 +19,12 @@ Sound openSound(const QString& path) {
 }
 
 audio::edit::MixMaterial::Other openForMix(const QString& path, audio::edit::Shape shape,
-                                           std::int64_t skipped, float percent) {
+                                           float percent) {
     const auto file = std::make_shared<audio::edit::SourceMaterial>(platform::toPath(path));
     std::shared_ptr<const audio::edit::Material> material = file;
     if (file->shape() != shape)
         material = std::make_shared<audio::edit::ResampledMaterial>(file, file->shape(), shape);
-    return {material, skipped, static_cast<double>(percent) / 100.0};
+    return {material, static_cast<double>(percent) / 100.0};
 }
 
 audio::Format wavFormat(std::int32_t rate, std::int32_t channels, std::int32_t bits) {
@@ -50,7 +50,9 @@ audio::FrameRange rangeInside(const Selection& selection, std::int64_t length) {
     const audio::FrameRange range{std::max<std::int64_t>(0, selection.start),
                                   std::min<std::int64_t>(length, selection.end)};
     if (range.start >= range.end)
-        throw platform::Error("The selected part is empty or lies outside the sound.");
+        throw platform::Error(
+            "There is no sound in the part that was to be changed: the sound is empty, or ends "
+            "before it. Nothing was changed.");
     return range;
 }
 

@@ -33,9 +33,9 @@ struct Sound {
 /// Opens a file for editing. Throws platform::Error.
 Sound openSound(const QString& path);
 
-/// Opens a file to be mixed into a sound of this shape, its first `skipped` frames left out.
+/// Opens a file to be mixed into a sound of this shape.
 audio::edit::MixMaterial::Other openForMix(const QString& path, audio::edit::Shape shape,
-                                           std::int64_t skipped, float percent);
+                                           float percent);
 
 /// PCM in a WAV file, of 8 or 16 bits. Throws platform::Error for anything else.
 audio::Format wavFormat(std::int32_t rate, std::int32_t channels, std::int32_t bits);

@@ -2,6 +2,7 @@
 #include "effects/engine/Measure.h"
 
 #include <algorithm>
+#include <cmath>
 #include <vector>
 
 #include "audio/dsp/Gain.h"
@@ -37,6 +38,18 @@ double measureLoudness(const EditList& list, FrameRange range, Work& work) {
     return GatingMeter::gatedLoudness(meters);
 }
 
+constexpr std::int64_t edgeMs = 5;
+
+float peakOf(const EditList& list, FrameRange range) {
+    std::vector<float> few(static_cast<std::size_t>((range.end - range.start)) *
+                           static_cast<std::size_t>(list.shape().channels));
+    audio::edit::EditReader reader(list);
+    reader.seek(range.start);
+    audio::edit::readFully(reader, few.data(), static_cast<std::size_t>(range.end - range.start),
+                           list.shape().channels);
+    return audio::dsp::peak(few);
+}
+
 std::vector<float> measureWindows(const EditList& list, const WindowGrid& grid, std::size_t first,
                                   std::size_t count, Work& work) {
     const auto [rate, channels] = list.shape();
@@ -65,8 +78,20 @@ std::vector<float> measurePeaks(const EditList& list, FrameRange range, bool lin
     return highest;
 }
 
-FrameRange measureAudible(const EditList& list, FrameRange range, const SilenceSettings& settings,
-                          Work& work) {
+bool countsAsSilence(float peak) {
+    constexpr float sixtyBelow = 0.001F;
+    return peak < sixtyBelow;
+}
+
+std::string notNormalized(float peak) {
+    if (peak == 0.0F) return "It was not normalized: all of it is silence.";
+    const long decibels = std::lround(20 * std::log10(static_cast<double>(peak)));
+    return "It was not normalized: its peak of " + std::to_string(decibels) +
+           " dBFS lies below -60 dBFS, which counts as silence.";
+}
+
+AudibleRange measureAudible(const EditList& list, FrameRange range, const SilenceSettings& settings,
+                            Work& work) {
     const EditList sound = list.slice(range);
     const WindowGrid grid(list.shape().sampleRate, settings.windowMs, sound.frames());
     work.begin(sound.frames());
@@ -75,7 +100,16 @@ FrameRange measureAudible(const EditList& list, FrameRange range, const SilenceS
         grid, loudness, settings.threshold, [&](std::size_t first, std::size_t count) {
             return measureWindows(sound, grid, first, count, work);
         });
-    return {range.start + kept.start, range.start + kept.end};
+    AudibleRange audible{{range.start + kept.start, range.start + kept.end}};
+    const std::int64_t edge = list.shape().sampleRate * edgeMs / 1000;
+    audible.fadeFrames = std::min(edge, (kept.end - kept.start) / 2);
+    const auto silence = static_cast<float>(std::ldexp(1.0, 1 - settings.bits));
+    const auto heard = [&](std::int64_t from) {
+        return peakOf(sound, {from, from + audible.fadeFrames}) >= silence;
+    };
+    audible.soundAtStart = kept.start > 0 && heard(kept.start);
+    audible.soundAtEnd = kept.end < sound.frames() && heard(kept.end - audible.fadeFrames);
+    return audible;
 }
 
 }  // namespace effects

@@ -179,6 +179,30 @@ TEST(CliEffects, TrimCutsBothEnds) {
     EXPECT_NEAR(static_cast<double>(soundOf(file).frames()), 2 * 44100, 4410);
 }
 
+TEST(CliEffects, NormalizeTellsWhatCountsAsSilence) {
+    TempFolder folder;
+    const QString file = copyOf("tone.wav", folder, u"a.wav"_s);
+    support::run(u"ffmpeg"_s,
+                 {u"-v"_s, u"error"_s, u"-y"_s, u"-f"_s, u"lavfi"_s, u"-i"_s,
+                  u"anoisesrc=a=0.0002:d=1:r=44100"_s, u"-c:a"_s, u"pcm_s16le"_s, file});
+    const auto before = readBytes(platform::toPath(file));
+    const Outcome plain = cli({u"effect"_s, u"normalize"_s, file});
+    EXPECT_EQ(plain.exitCode, 0);
+    EXPECT_THAT(plain.out.toStdString(), HasSubstr("a.wav (It was not normalized"));
+    const auto lines = objects(cli({u"--json"_s, u"effect"_s, u"normalize"_s, file}));
+    EXPECT_TRUE(lines.front()[u"notice"_s].toString().contains(u"counts as silence"_s));
+    EXPECT_TRUE(readBytes(platform::toPath(file)) == before);
+}
+
+TEST(CliEffects, ADamagedFileDrawsNoWordFromTheDecoder) {
+    TempFolder folder;
+    const QString file = copyOf("music.mp3", folder, u"a.mp3"_s);
+    auto bytes = readBytes(platform::toPath(file));
+    for (std::size_t i = 5000; i < bytes.size(); i += 1001) bytes[i] ^= std::byte{0x5A};
+    support::writeBytes(platform::toPath(file), bytes);
+    EXPECT_EQ(cli({u"effect"_s, u"normalize"_s, file}).err.toStdString(), "");
+}
+
 TEST(CliEffects, AFileThatIsNamedTwiceIsChangedTwice) {
     TempFolder folder;
     const QString file = copyOf("tone.wav", folder, u"a.wav"_s);

@@ -232,6 +232,14 @@ TEST_F(Runner, TheTrimPassSavesAlsoWhatCouldNotBeTrimmed) {
     EXPECT_EQ(window.marks[1], u"TrimSilence(-20, 100, 2) failed."_s);
 }
 
+TEST_F(Runner, WhatASaveLeftUndoneIsToldOnItsRow) {
+    list(2, {1, 2});
+    window.engine.notice = u"It was not normalized."_s;
+    runner.run(job);
+    EXPECT_EQ(window.marks[1], u"It was not normalized."_s);
+    EXPECT_EQ(window.marks[2], u"It was not normalized."_s);
+}
+
 TEST_F(Runner, AJobWithoutAnEffectStillSavesEveryFile) {
     list(2, {1, 2});
     job.effect = nullptr;

@@ -19,6 +19,7 @@ class FakeEditor : public effects::Editor {
     QStringList calls;
     std::int32_t length = 441000;  ///< frames of whatever is loaded
     std::int32_t rate = 44100;
+    QString notice;                                   ///< of the last save
     std::function<bool(const QString& call)> fails;   ///< calls for which it throws
     std::function<void(const QString& call)> during;  ///< run within each call
 
@@ -64,6 +65,7 @@ class FakeEditor : public effects::Editor {
         record("SetOutputFormatMp3", hertz, kbps, channels);
     }
     void SetKeepTags(bool keep) override { record("SetKeepTags", keep); }
+    QString SaveNotice() const override { return notice; }
     std::int32_t GetLength() const override { return length; }
     std::int32_t TimeToPosition(std::int32_t milliseconds) const override {
         return static_cast<std::int32_t>(std::int64_t{milliseconds} * rate / 1000);

@@ -35,6 +35,7 @@ class Encoder {
         context_->sample_fmt = AV_SAMPLE_FMT_S16;
         context_->bit_rate = settings.bitRate;
         av_channel_layout_default(&context_->ch_layout, settings.channels());
+        context_->log_level_offset = AV_LOG_TRACE;  // no word on the terminal
         if (avcodec_open2(context_.get(), codec, nullptr) < 0) {
             throw platform::Error("MPEG Layer II cannot be encoded at " +
                                   std::to_string(settings.bitRate / 1000) + " kbit/s and " +
