@@ -106,7 +106,7 @@ void verifySound(const std::filesystem::path& written, const SaveJob& job,
 // of the sound is encoded instead.
 SaveReport writeVerifiedMpeg(const SaveJob& job, platform::file::Replacement& file, Work& work) {
     SaveReport report = writeMpeg(job, file, work);
-    if (report.method != SaveMethod::Spliced) return report;
+    if (job.encodeAll || !job.sameFormat()) return report;
     try {
         verifySound(file.temporary(), job, report);
         report.verified = true;

@@ -104,9 +104,9 @@ void AudioEditor::Impl::requireSaved(const platform::file::Stamp& present) const
 }
 
 int AudioEditor::Impl::depth() const {
-    const audio::codec::Format& format = sound.source->format();
-    const bool floats = format.sampleType == audio::codec::SampleType::F32 ||
-                        format.sampleType == audio::codec::SampleType::F64;
+    const audio::Format& format = sound.source->format();
+    const bool floats =
+        format.sampleType == audio::SampleType::F32 || format.sampleType == audio::SampleType::F64;
     if (floats) return 24;
     return format.bitsPerSample > 0 ? format.bitsPerSample : 16;
 }

@@ -48,9 +48,9 @@ class FrameIndex {
     /// That frame's bytes; empty where there is none.
     ByteRange infoFrame() const { return infoFrame_; }
 
-    // The file is leading() + [info frame, frames] = audio() + (a cut last frame) + trailing().
+    // The file is leading() + [info frame, frames] = audio() + (a start of a frame) + trailing().
     ByteRange leading() const { return {0, audio_.offset}; }  ///< tags and junk
-    ByteRange audio() const { return audio_; }                ///< ends with the last whole frame
+    ByteRange audio() const { return audio_; }                ///< ends with the last frame
     ByteRange trailing() const { return trailing_; }          ///< junk and tags
 
     std::int64_t rawLength() const { return rawLength_; }
@@ -68,6 +68,7 @@ class FrameIndex {
     const std::vector<Change>& changes() const { return changes_; }
     /// Stretches between frames that are no frames: sync was lost there.
     const std::vector<ByteRange>& junk() const { return junk_; }
+    /// The last frame lacks its end. Where it has some of its sound, it is one of the frames.
     bool lastFrameCut() const { return lastFrameCut_; }
     bool freeFormat() const { return header_.freeFormat(); }
 

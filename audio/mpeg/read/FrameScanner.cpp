@@ -27,15 +27,23 @@ std::optional<ScannedFrame> FrameScanner::next() {
     if (header && last_ && header->sameStream(*last_)) {
         const int size = sizeOf(*header, position_);
         if (size > 0 && position_ + size <= tags_.trailingStart) return take(*header, position_, 0);
-        if (size > 0) {
-            lastFrameCut_ = true;
-            return std::nullopt;
-        }
+        if (size > 0) return takeCut(*header);
     }
     if (header && chainFrom(position_, chainAtChange)) return take(*header, position_, 0);
     const auto found = search(position_);
     if (!found) return std::nullopt;
     return take(*headerAt(*found), *found, *found - position_);
+}
+
+// A last frame that the file does not hold all of: decoders play what there is of it, and often
+// nothing but stuffing is missing.
+std::optional<ScannedFrame> FrameScanner::takeCut(const FrameHeader& header) {
+    lastFrameCut_ = true;
+    const std::int64_t rest = tags_.trailingStart - position_;
+    if (rest <= header.overhead()) return std::nullopt;
+    const ScannedFrame frame{position_, static_cast<int>(rest), header, 0};
+    position_ = tags_.trailingStart;
+    return frame;
 }
 
 ScannedFrame FrameScanner::take(const FrameHeader& header, std::int64_t offset, std::int64_t junk) {

@@ -11,10 +11,10 @@
 
 namespace audio::mpeg {
 
-/// One whole MPEG audio frame in a file.
+/// One MPEG audio frame in a file.
 struct ScannedFrame {
     std::int64_t offset = 0;  ///< of its header, from the start of the file
-    int size = 0;             ///< bytes, header included; known in free format too
+    int size = 0;  ///< bytes, header included; known in free format too; fewer where it is cut
     FrameHeader header;
     std::int64_t junkBefore = 0;  ///< bytes since the frame before that are no frame: lost sync
 };
@@ -28,8 +28,9 @@ class FrameScanner {
     /// platform::Error where the file cannot be read; a file without any frame is no error.
     explicit FrameScanner(platform::file::WindowReader& reader);
 
-    /// The next whole frame; nothing at the end. Where sync is lost, the search goes on to the next
-    /// place where frames follow one another. Throws platform::Error where the file cannot be read.
+    /// The next frame; nothing at the end. The last one may lack its end, but holds more than
+    /// header and side information. Where sync is lost, the search goes on to the next place where
+    /// frames follow one another. Throws platform::Error where the file cannot be read.
     std::optional<ScannedFrame> next();
 
     /// The bytes of a frame that next() gave, valid until the next call of any function.
@@ -37,7 +38,7 @@ class FrameScanner {
 
     /// Where the tags lie; junk before the first frame is not part of them.
     const TagRanges& tags() const { return tags_; }
-    /// Where the last whole frame that next() gave ends; before the first, where the search begins.
+    /// Where the last frame that next() gave ends; before the first, where the search begins.
     std::int64_t position() const { return position_; }
     /// After the end: whether a last frame is there whose end is missing.
     bool lastFrameCut() const { return lastFrameCut_; }
@@ -48,6 +49,7 @@ class FrameScanner {
     int measureFreeFormat(const FrameHeader& header, std::int64_t offset);
     bool chainFrom(std::int64_t offset, int frames);
     std::optional<std::int64_t> search(std::int64_t from);
+    std::optional<ScannedFrame> takeCut(const FrameHeader& header);
     ScannedFrame take(const FrameHeader& header, std::int64_t offset, std::int64_t junk);
 
     platform::file::WindowReader& reader_;

@@ -43,6 +43,12 @@ class FieldReader {
     std::size_t next_;
 };
 
+// Other programs' words on the gaps are not taken: decoders do not agree on them.
+bool statesTrueGaps(std::string_view encoder) {
+    return encoder.starts_with("LAME") || encoder.starts_with("Lavf") ||
+           encoder.starts_with("Lavc");
+}
+
 void readExtension(Bytes frame, std::size_t offset, InfoTag& tag) {
     // A name that does not begin with a letter is padding, not an encoder.
     const std::uint8_t first = frame[offset];
@@ -53,9 +59,13 @@ void readExtension(Bytes frame, std::size_t offset, InfoTag& tag) {
     }
     tag.vbrMethod = frame[offset + InfoTag::methodField] & 15;
     tag.statedKbps = frame[offset + InfoTag::bitRateField];
-    const std::uint32_t gaps = number(frame, offset + InfoTag::delayField, 3);
-    tag.delay = static_cast<int>(gaps >> 12);
-    tag.padding = static_cast<int>(gaps & 4095);
+    if (statesTrueGaps(tag.encoder)) {
+        const std::uint32_t gaps = number(frame, offset + InfoTag::delayField, 3);
+        tag.delay = static_cast<int>(gaps >> 12);
+        tag.padding = static_cast<int>(gaps & 4095);
+    }
+    tag.extended = offset + InfoTag::extensionSize <= frame.size();
+    if (!tag.extended) return;
     tag.musicLength = number(frame, offset + InfoTag::musicLengthField, 4);
     tag.musicCrc = static_cast<std::uint16_t>(number(frame, offset + InfoTag::musicCrcField, 2));
     tag.tagCrc = static_cast<std::uint16_t>(number(frame, offset + InfoTag::tagCrcField, 2));
@@ -72,7 +82,8 @@ InfoTag readXing(Bytes frame, std::size_t offset, InfoTag::Kind kind) {
     if (flags & 2) tag.bytes = fields.takeNumber(tag.bytesOffset);
     if (flags & 4) tag.tocOffset = fields.take(100);
     if (flags & 8) tag.quality = fields.takeNumber(tag.qualityOffset);
-    if (const std::size_t extension = fields.take(InfoTag::extensionSize); extension && flagsAt) {
+    constexpr std::size_t needed = InfoTag::miscField;  // the gaps lie before it
+    if (const std::size_t extension = fields.take(needed); extension && flagsAt) {
         readExtension(frame, extension, tag);
     }
     return tag;
@@ -82,8 +93,9 @@ InfoTag readVbri(Bytes frame, std::size_t offset) {
     InfoTag tag;
     tag.kind = InfoTag::Kind::Vbri;
     tag.offset = offset;
-    // "VBRI", version, delay, quality (2 bytes each), bytes, frames (4 bytes each), table.
-    if (offset + 18 > frame.size()) return tag;
+    // "VBRI", version, delay, quality (2 bytes each), bytes, frames (4 bytes each), table. Its
+    // delay is passed over, as decoders do.
+    if (offset + 18 > frame.size() || number(frame, offset + 4, 2) != 1) return tag;
     tag.quality = number(frame, offset + 8, 2);
     tag.bytesOffset = offset + 10;
     tag.framesOffset = offset + 14;
@@ -97,15 +109,17 @@ InfoTag readVbri(Bytes frame, std::size_t offset) {
 std::optional<InfoTag> InfoTag::parse(const FrameHeader& header, Bytes frame) {
     if (header.layer != 3) return std::nullopt;
     const std::size_t behindSideInfo = 4 + static_cast<std::size_t>(header.sideInfoSize());
+    std::optional<InfoTag> tag;
     // LAME puts its tag there even when the header announces a CRC; others count the CRC.
     for (const std::size_t offset : {behindSideInfo, behindSideInfo + 2}) {
-        if (lettersAt(frame, offset, "Info")) return readXing(frame, offset, Kind::Info);
-        if (lettersAt(frame, offset, "Xing")) return readXing(frame, offset, Kind::Xing);
-        if (!header.crc) break;
+        if (lettersAt(frame, offset, "Info")) tag = readXing(frame, offset, Kind::Info);
+        if (lettersAt(frame, offset, "Xing")) tag = readXing(frame, offset, Kind::Xing);
+        if (tag || !header.crc) break;
     }
     constexpr std::size_t vbriOffset = 36;
-    if (lettersAt(frame, vbriOffset, "VBRI")) return readVbri(frame, vbriOffset);
-    return std::nullopt;
+    if (!tag && lettersAt(frame, vbriOffset, "VBRI")) tag = readVbri(frame, vbriOffset);
+    if (!tag || (tag->frames.value_or(0) == 0 && tag->bytes.value_or(0) == 0)) return std::nullopt;
+    return tag;
 }
 
 }  // namespace audio::mpeg

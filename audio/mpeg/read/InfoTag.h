@@ -28,10 +28,13 @@ struct InfoTag {
     std::size_t tocOffset = 0;      ///< Xing/Info: 100 bytes
     std::size_t qualityOffset = 0;  ///< 4 bytes
 
-    std::size_t lameOffset = 0;  ///< of the extension: its encoder name; its length is 36
+    std::size_t lameOffset = 0;  ///< of the extension: its encoder name
+    bool extended = false;       ///< the extension is there with all of its 36 bytes
     std::string encoder;         ///< the extension's nine bytes of name and version
     int vbrMethod = 0;           ///< 1 CBR, 2 ABR, 3 to 6 VBR, 8 CBR two passes, 9 ABR two passes
     int statedKbps = 0;          ///< ABR: what was asked for, 255 for that or more; VBR: the least
+    // Of encoders whose word decoders take: LAME, and FFmpeg in its names of then and now (Lavf,
+    // Lavc); libavformat/mp3dec.c has the list. An extension may end behind them.
     std::optional<int> delay;    ///< encoder delay in samples, without the decoder's
     std::optional<int> padding;  ///< samples appended to fill the last frame
     std::uint32_t musicLength = 0;
@@ -45,7 +48,11 @@ struct InfoTag {
                                  mp3GainField = 25, presetField = 26, musicLengthField = 28,
                                  musicCrcField = 32, tagCrcField = 34, extensionSize = 36;
 
-    /// Reads the tag of a whole frame; nothing where it holds none and thus is sound.
+    /// Whether the tag can state how the sound lies in the frames, to every decoder.
+    bool canStateGaps() const { return extended && framesOffset && delay; }
+
+    /// Reads the tag of a whole frame; nothing where it holds none and thus is sound. A tag that
+    /// counts neither frames nor bytes is none: decoders play its frame.
     static std::optional<InfoTag> parse(const FrameHeader& header,
                                         std::span<const std::uint8_t> frame);
 };

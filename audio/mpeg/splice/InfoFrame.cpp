@@ -60,6 +60,7 @@ InfoFrame::InfoFrame(const EncoderSettings& settings, const FrameHeader& likeSou
     const auto at = static_cast<std::size_t>(header_.overhead());
     std::copy(letters.begin(), letters.end(), bytes_.begin() + static_cast<long>(at));
     put(at + 4, 15, 4);
+    put(at + 8, 1, 4);  // frames, until they are counted: a tag without any is none
     // LAME's figure: 100 − 10·V − q, with V 4 for constant bit-rates, and q 3.
     const double quality =
         settings.rate == EncoderSettings::Rate::Quality ? 100 - 10 * settings.quality : 57;
@@ -86,8 +87,7 @@ void InfoFrame::fillIn(const Layout& layout, const Geometry& geometry, const Str
         const auto table = writer.tableOfContents();
         std::copy(table.begin(), table.end(), bytes_.begin() + static_cast<long>(tag_.tocOffset));
     }
-    if (!hasExtension()) return;
-    if (layout.statesGaps) {
+    if (layout.statesGaps && tag_.extended) {
         put(tag_.lameOffset + InfoTag::delayField,
             static_cast<std::uint32_t>(layout.delay(geometry)) << 12 |
                 static_cast<std::uint32_t>(layout.padding(geometry)),
@@ -96,7 +96,7 @@ void InfoFrame::fillIn(const Layout& layout, const Geometry& geometry, const Str
 }
 
 void InfoFrame::putChecksums(const StreamWriter& writer) {
-    if (!hasExtension()) return;
+    if (!tag_.extended) return;
     put(tag_.lameOffset + InfoTag::musicLengthField, static_cast<std::uint32_t>(writer.bytes()), 4);
     put(tag_.lameOffset + InfoTag::musicCrcField, writer.musicCrc(), 2);
     const std::size_t end = tag_.lameOffset + InfoTag::tagCrcField;
@@ -104,7 +104,7 @@ void InfoFrame::putChecksums(const StreamWriter& writer) {
 }
 
 void InfoFrame::clearLevels() {
-    if (!hasExtension()) return;
+    if (tag_.lameOffset == 0) return;
     put(tag_.lameOffset + InfoTag::peakField, 0, 4);
     put(tag_.lameOffset + InfoTag::trackGainField, 0, 2);
     put(tag_.lameOffset + InfoTag::albumGainField, 0, 2);

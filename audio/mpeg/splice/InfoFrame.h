@@ -21,7 +21,6 @@ class InfoFrame {
     /// The source's own frame.
     explicit InfoFrame(std::vector<std::uint8_t> source);
 
-    bool hasExtension() const { return tag_.lameOffset != 0; }
     const InfoTag& tag() const { return tag_; }
     const std::vector<std::uint8_t>& bytes() const { return bytes_; }
 

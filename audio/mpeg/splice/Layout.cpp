@@ -84,9 +84,12 @@ class Planner {
     std::vector<Start> candidates() const {
         const bool stated = index_.info() && index_.info()->delay;
         std::vector<Start> starts;
+        // A VBRI frame, whose table would have to follow, gives way to an info frame, which
+        // decoders do not take without a word on the gaps.
+        const bool vbri = index_.info() && index_.info()->kind == InfoTag::Kind::Vbri;
         if (stated) {
             starts.push_back({index_.gaplessStart(), true});
-        } else if (!geometry_.infoFrame || length_ % geometry_.frame == 0) {
+        } else if (!geometry_.infoFrame || (length_ % geometry_.frame == 0 && !vbri)) {
             starts.push_back({0, false});
         }
         if (!geometry_.infoFrame) return starts;
@@ -199,6 +202,9 @@ class Planner {
             atEdge = true;
         }
         stop = std::min(stop, index_.frameCount() + moved);
+        // A last frame whose end is missing is one only where nothing follows.
+        if (index_.lastFrameCut() && stop == index_.frameCount() + moved && stop < layout.frames)
+            --stop;
         first = std::max(first, moved);
         if (stop - first < (atEdge ? shortestAtEnd : shortestInside)) return std::nullopt;
         return Piece{Piece::Kind::Kept, first, stop - first, first - moved};

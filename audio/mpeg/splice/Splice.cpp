@@ -25,8 +25,7 @@ std::optional<InfoFrame> infoFrameFor(const FrameIndex& index, const EncoderSett
                                       const Layout& layout, SourceFrames& source) {
     const auto& info = index.info();
     if (!info && !layout.statesGaps) return std::nullopt;
-    const bool usable = info && info->kind != InfoTag::Kind::Vbri &&
-                        (!layout.statesGaps || (info->lameOffset && info->framesOffset));
+    const bool usable = info && (!layout.statesGaps || info->canStateGaps());
     if (!usable) return InfoFrame(settings, index.header());
     const auto bytes = source.bytes(index.infoFrame());
     return InfoFrame({bytes.begin(), bytes.end()});

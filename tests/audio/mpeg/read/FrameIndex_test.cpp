@@ -12,6 +12,7 @@
 #include "tests/support/TempFolder.h"
 
 using namespace Qt::Literals::StringLiterals;
+using audio::mpeg::ByteRange;
 using audio::mpeg::FrameIndex;
 using support::Judge;
 using support::operator+;
@@ -164,16 +165,32 @@ TEST_F(FrameIndexTest, TagLongerThanTheFileIsNotBelieved) {
     EXPECT_EQ(index.audio().size, static_cast<std::int64_t>(sound.size()));
 }
 
-TEST_F(FrameIndexTest, CutLastFrameIsLeftOut) {
-    Bytes sound = support::readBytes(make("plain.mp3", {u"-b"_s, u"128"_s}));
+TEST_F(FrameIndexTest, CutLastFrameIsAFrame) {
+    const Bytes sound = support::readBytes(make("plain.mp3", {u"-b"_s, u"128"_s, u"-t"_s}));
     const FrameIndex whole(folder_ / "plain.mp3");
-    sound.resize(sound.size() - 600);
-    const FrameIndex index(put("cut.mp3", sound + id3v1()));
+    const ByteRange last = whole.frame(whole.frameCount() - 1);
+    for (const std::int64_t left : {37, 40, 200, 416}) {
+        SCOPED_TRACE(left);
+        const Bytes cut(sound.begin(), sound.begin() + last.offset + left);
+        const FrameIndex index(put("cut.mp3", cut + id3v1()));
+        EXPECT_TRUE(index.lastFrameCut());
+        EXPECT_EQ(index.frameCount(), whole.frameCount());
+        EXPECT_EQ(index.frame(index.frameCount() - 1).size, left);
+        EXPECT_EQ(index.trailing().size, 128);
+        EXPECT_EQ(index.gaplessLength(),
+                  support::decode(put("cut.mp3", cut), Judge::Ffmpeg).length());
+    }
+}
+
+TEST_F(FrameIndexTest, LastFrameWithoutSoundIsLeftOut) {
+    const Bytes sound = support::readBytes(make("plain.mp3", {u"-b"_s, u"128"_s, u"-t"_s}));
+    const FrameIndex whole(folder_ / "plain.mp3");
+    const ByteRange last = whole.frame(whole.frameCount() - 1);
+    const Bytes cut(sound.begin(), sound.begin() + last.offset + 36);
+    const FrameIndex index(put("cut.mp3", cut + id3v1()));
     EXPECT_TRUE(index.lastFrameCut());
-    EXPECT_EQ(index.frameCount(), whole.frameCount() - 2);
+    EXPECT_EQ(index.frameCount(), whole.frameCount() - 1);
     EXPECT_EQ(index.trailing().size, 128);
-    EXPECT_FALSE(index.statesGaps());
-    EXPECT_EQ(index.gaplessLength(), support::decode(folder_ / "cut.mp3", Judge::Mpg123).length());
 }
 
 TEST_F(FrameIndexTest, LostSyncIsAFact) {
