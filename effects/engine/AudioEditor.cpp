@@ -105,8 +105,8 @@ void AudioEditor::Impl::requireSaved(const platform::file::Stamp& present) const
 
 int AudioEditor::Impl::depth() const {
     const audio::Format& format = sound.source->format();
-    const bool floats =
-        format.sampleType == audio::SampleType::F32 || format.sampleType == audio::SampleType::F64;
+    const bool floats = format.sampleType == audio::pcm::SampleType::F32 ||
+                        format.sampleType == audio::pcm::SampleType::F64;
     if (floats) return 24;
     return format.bitsPerSample > 0 ? format.bitsPerSample : 16;
 }

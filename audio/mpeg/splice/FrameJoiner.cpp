@@ -85,9 +85,7 @@ class ReservoirJoiner : public FrameJoiner {
             throw CannotSplice("The frames to be kept lack data that was cut off before them.");
         }
         if (reservoir) out_.beginKept(*reservoir);
-        // Enough frames for the reservoir of what follows pass through the writer.
-        constexpr std::int64_t lastFrames = 32;
-        const std::int64_t copied = std::max<std::int64_t>(0, count - lastFrames);
+        const std::int64_t copied = count - heldBack(first, count);
         if (copied > 0) {
             out_.skipKept();
             copier_.copy(first, copied);
@@ -99,6 +97,14 @@ class ReservoirJoiner : public FrameJoiner {
     }
 
     void finish() override { out_.finish(); }
+
+    // How many of these frames' last ones hold the reservoir of what follows.
+    std::int64_t heldBack(std::int64_t first, std::int64_t count) const {
+        std::int64_t held = 0;
+        for (std::int64_t bytes = 0; held < count && bytes <= longestReservoir(like_); ++held)
+            bytes += source_->index().frame(first + count - 1 - held).size - like_.overhead();
+        return held;
+    }
 
     int needOf(std::int64_t sourceFrame) override {
         const auto reservoir = source_->reservoir(sourceFrame);

@@ -8,9 +8,13 @@
 namespace audio::mpeg {
 namespace {
 
-// Frames decoded before those that count: reservoir and overlap of every bit-rate.
-constexpr std::size_t preRoll = 16;
-constexpr std::size_t remembered = 64;
+// Frames before the ones that count whose overlap and filters they need; and main data before
+// those, the longest reservoir.
+constexpr std::size_t filled = 3;
+constexpr std::int64_t mainData = 511;
+// Of the smallest frames that have room for sound, in which the reservoir reaches back over the
+// most frames, as many as that takes.
+constexpr std::size_t remembered = 160;
 
 }  // namespace
 
@@ -44,14 +48,27 @@ void SeamCheck::finish() const {
     if (!open_.empty()) throw CannotSplice("Frames to be kept are missing from the new stream.");
 }
 
+// Where decoding has to begin for this frame of those remembered to come out right.
+std::size_t SeamCheck::decodedFrom(std::size_t first) const {
+    std::int64_t bytes = 0;
+    std::size_t from = first;
+    while (from > 0 && (first - from <= filled || bytes < mainData)) {
+        --from;
+        const auto header = FrameHeader::parse(last_[from]);
+        if (header && first - from > filled)
+            bytes += static_cast<std::int64_t>(last_[from].size()) - header->overhead();
+    }
+    return from;
+}
+
 void SeamCheck::check(const Expectation& expected) {
     const auto behind = static_cast<std::size_t>(next_ - expected.first);
     if (behind > last_.size()) throw CannotSplice("A seam was checked too late.");
     const std::size_t first = last_.size() - behind;
     decoder_.reset();
     std::vector<float> old(static_cast<std::size_t>(samples_) * channels_);
-    for (std::size_t i = first > preRoll ? first - preRoll : 0;
-         i < first + static_cast<std::size_t>(expected.count); ++i) {
+    for (std::size_t i = decodedFrom(first); i < first + static_cast<std::size_t>(expected.count);
+         ++i) {
         const std::vector<float>& decoded = decoder_.decode(last_[i]);
         if (i < first) continue;
         const std::int64_t frame = expected.sourceFirst + static_cast<std::int64_t>(i - first);

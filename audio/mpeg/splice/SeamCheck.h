@@ -35,6 +35,7 @@ class SeamCheck {
         std::int64_t sourceFirst = 0;
     };
     void check(const Expectation& expected);
+    std::size_t decodedFrom(std::size_t first) const;
 
     std::int64_t samples_;
     std::size_t channels_;

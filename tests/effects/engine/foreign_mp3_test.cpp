@@ -193,6 +193,46 @@ TEST_P(ForeignMp3, CutAtBothEnds) {
     EXPECT_LE(difference(after, 0, before, 40003, after.frames() - second), 1e-6);
 }
 
+// The smallest slots hold but five bytes of main data, so that the reservoir reaches back over
+// fifty frames of silence.
+TEST(SmallFrames, AreKeptBehindSilenceAndFades) {
+    const support::TempFolder folder;
+    const QString wav = folder.file(u"a.wav"_s);
+    ASSERT_EQ(support::run(u"sox"_s, {u"-R"_s,      u"-n"_s,    u"-r"_s,  u"44100"_s, u"-c"_s,
+                                      u"2"_s,       u"-b"_s,    u"16"_s,  wav,        u"synth"_s,
+                                      u"8"_s,       u"pluck"_s, u"220"_s, u"pluck"_s, u"331"_s,
+                                      u"tremolo"_s, u"3"_s,     u"60"_s,  u"gain"_s,  u"-3"_s})
+                  .exitCode,
+              0);
+    for (const QStringList& options :
+         {QStringList{u"-b:a"_s, u"24k"_s, u"-ar"_s, u"22050"_s},
+          QStringList{u"-b:a"_s, u"32k"_s, u"-ar"_s, u"24000"_s},
+          QStringList{u"-b:a"_s, u"16k"_s, u"-ar"_s, u"24000"_s, u"-ac"_s, u"1"_s}}) {
+        SCOPED_TRACE(options.join(u' ').toStdString());
+        const QString file = folder.file(u"a.mp3"_s);
+        const auto outcome =
+            support::run(u"ffmpeg"_s, QStringList{u"-v"_s, u"error"_s, u"-y"_s, u"-i"_s, wav,
+                                                  u"-c:a"_s, u"libmp3lame"_s, u"-abr"_s, u"1"_s} +
+                                          options + QStringList{file});
+        ASSERT_EQ(outcome.exitCode, 0) << outcome.err.toStdString();
+        const Sound before = support::decodeWithFfmpeg(platform::toPath(file));
+        AudioEditor editor;
+        editor.Load(file);
+        editor.SetSelectionActive(true);
+        editor.SetSelectionEnd(editor.TimeToPosition(2000));
+        editor.Fade(0, 100);
+        editor.SetSelectionEnd(0);
+        editor.InsertSilence(1000);
+        editor.Save(file, false, 0);
+        EXPECT_EQ(editor.LastSaveReport().method, audio::edit::SaveMethod::Spliced)
+            << editor.LastSaveReport().note;
+        const Sound after = support::decodeWithFfmpeg(platform::toPath(file));
+        const auto rate = static_cast<std::size_t>(before.rate);
+        ASSERT_EQ(after.frames(), before.frames() + rate);
+        EXPECT_LE(difference(after, 4 * rate, before, 3 * rate, before.frames() - 3 * rate), 1e-6);
+    }
+}
+
 // Files whose last frame lacks its end, as one encoder of old leaves them all.
 TEST(CutMp3, TheLastFrameIsKept) {
     const Bytes sound = foreign::soundOf(support::fixture("music.mp3"));
