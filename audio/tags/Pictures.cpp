@@ -11,6 +11,7 @@
 #include <taglib/mp4coverart.h>
 #include <taglib/mp4file.h>
 #include <taglib/mpegfile.h>
+#include <taglib/oggflacfile.h>
 #include <taglib/opusfile.h>
 #include <taglib/vorbisfile.h>
 #include <taglib/wavfile.h>
@@ -32,6 +33,7 @@ TagLib::ID3v2::Tag* id3v2Of(TagLib::File& file, bool create) {
 TagLib::Ogg::XiphComment* xiphOf(TagLib::File& file) {
     if (auto* vorbis = dynamic_cast<TagLib::Ogg::Vorbis::File*>(&file)) return vorbis->tag();
     if (auto* opus = dynamic_cast<TagLib::Ogg::Opus::File*>(&file)) return opus->tag();
+    if (auto* flac = dynamic_cast<TagLib::Ogg::FLAC::File*>(&file)) return flac->tag();
     return nullptr;
 }
 

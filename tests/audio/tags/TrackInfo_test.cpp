@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/Fixtures.h"
+#include "tests/support/Python.h"
 #include "tests/support/Sound.h"
 #include "tests/support/TempFolder.h"
 
@@ -78,6 +79,103 @@ TEST(TrackInfo, WhatIsNoSoundHasNoInfo) {
         const auto info = readTrackInfo(folder / name);
         EXPECT_EQ(info.title, "") << name;
         EXPECT_EQ(info.durationMs, -1) << name;
+    }
+}
+
+namespace {
+
+void runTool(const QString& program, const QStringList& arguments) {
+    const auto outcome = support::run(program, arguments);
+    ASSERT_EQ(outcome.exitCode, 0) << outcome.err.toStdString();
+}
+
+void patch(const QString& script, const std::filesystem::path& file) {
+    support::python(
+        QStringLiteral("import sys\ndata = bytearray(open(sys.argv[1], 'rb').read())\n") + script +
+            QStringLiteral("\nopen(sys.argv[1], 'wb').write(data)\n"),
+        {file});
+}
+
+QString pathOf(const std::filesystem::path& file) {
+    return QString::fromStdString(file.string());
+}
+
+}  // namespace
+
+// Its first frames, of silence, have a tenth of the others' rate.
+TEST(TrackInfo, HeadersAreCountedWhereNoTagStatesAVariableRate) {
+    const support::TempFolder folder;
+    const auto start = folder / "start.wav";
+    const auto file = folder / "vbr.mp3";
+    runTool(QStringLiteral("sox"), {pathOf(support::fixture("music.wav")), pathOf(start),
+                                    QStringLiteral("pad"), QStringLiteral("4")});
+    runTool(QStringLiteral("lame"), {QStringLiteral("--quiet"), QStringLiteral("-V2"),
+                                     QStringLiteral("-t"), pathOf(start), pathOf(file)});
+    EXPECT_NEAR(double(readTrackInfo(file).durationMs), 24'000, 120);
+}
+
+TEST(TrackInfo, AFactChunkIsNotBelieved) {
+    const support::TempFolder folder;
+    for (const QString& coding : {QStringLiteral("a-law"), QStringLiteral("float"),
+                                  QStringLiteral("ms-adpcm"), QStringLiteral("ima-adpcm")}) {
+        const auto file = folder / (coding.toStdString() + ".wav");
+        runTool(QStringLiteral("sox"),
+                {pathOf(support::fixture("tone.wav")), QStringLiteral("-e"), coding, pathOf(file)});
+        patch(QStringLiteral(
+                  "at = data.index(b'fact') + 8\ndata[at:at + 4] = b'\\xff\\xff\\xff\\x00'"),
+              file);
+        // ADPCM is padded to a whole block.
+        EXPECT_NEAR(double(readTrackInfo(file).durationMs), 2'000, 60) << file;
+    }
+}
+
+TEST(TrackInfo, FlacWithoutATotalIsAsLongAsItsLastFrameSays) {
+    const support::TempFolder folder;
+    const QString zeroTotal = QStringLiteral("data[21] &= 0xF0\ndata[22:26] = bytes(4)");
+    const auto ours = support::scratchCopy("music.flac", folder.path());
+    const auto theirs = folder / "theirs.flac";
+    const auto variable = folder / "variable.flac";
+    runTool(QStringLiteral("flac"), {QStringLiteral("-s"), QStringLiteral("-o"), pathOf(theirs),
+                                     pathOf(support::fixture("music.wav"))});
+    runTool(QStringLiteral("ffmpeg"),
+            {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-i"),
+             pathOf(support::fixture("music.wav")), QStringLiteral("-frame_size"),
+             QStringLiteral("1000"), pathOf(variable)});
+    for (const auto& file : {ours, theirs, variable}) {
+        patch(zeroTotal, file);
+        EXPECT_NEAR(double(readTrackInfo(file).durationMs), 20'000, 5) << file;
+    }
+}
+
+// The pictures stand behind the sound, so that a reader that takes any stream for it finds them.
+TEST(TrackInfo, AsfWithMovingPicturesIsAsLongAsItPlays) {
+    const support::TempFolder folder;
+    const auto file = folder / "film.wmv";
+    runTool(QStringLiteral("ffmpeg"),
+            {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-f"),
+             QStringLiteral("lavfi"), QStringLiteral("-i"),
+             QStringLiteral("color=size=64x64:duration=20"), QStringLiteral("-i"),
+             pathOf(support::fixture("music.wav")), QStringLiteral("-map"), QStringLiteral("1"),
+             QStringLiteral("-map"), QStringLiteral("0"), QStringLiteral("-c:v"),
+             QStringLiteral("wmv2"), QStringLiteral("-c:a"), QStringLiteral("wmav2"),
+             QStringLiteral("-b:a"), QStringLiteral("64k"), pathOf(file)});
+    EXPECT_NEAR(double(readTrackInfo(file).durationMs), 20'000, 120);
+}
+
+TEST(TrackInfo, ATitleBehindFramesOfAnOlderVersionIsFound) {
+    const support::TempFolder folder;
+    for (const char* filler : {" ", "\\0"}) {
+        const auto file = support::scratchCopy("tone-untagged.mp3", folder.path());
+        patch(QStringLiteral("def frame(name, text):\n"
+                             "    body = b'\\1' + text.encode('utf-16')\n"
+                             "    return name + len(body).to_bytes(4, 'big') + b'\\0\\0' + body\n"
+                             "body = frame(b'TSA%1', 'x') + frame(b'TST%1', 'y') + "
+                             "frame(b'TPE1', 'z') + frame(b'TIT2', 'Größe')\n"
+                             "size = bytes(len(body) >> s & 127 for s in (21, 14, 7, 0))\n"
+                             "data[0:0] = b'ID3\\3\\0\\0' + size + body")
+                  .arg(QString::fromLatin1(filler)),
+              file);
+        EXPECT_EQ(readTrackInfo(file).title, "Größe");
     }
 }
 

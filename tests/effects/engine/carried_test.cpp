@@ -385,6 +385,37 @@ print(data[:3], size, hashlib.md5(data[:size]).hexdigest(), data[-128:])
     }
 }
 
+TEST_F(Carried, OpusAndFlacInOggKeepFieldsAndCovers) {
+    const fs::path flac = folder / "tone.oga";
+    run(u"flac"_s, {u"-s"_s, u"--ogg"_s, u"-o"_s, platform::toQString(flac),
+                    platform::toQString(support::fixture("tone.wav"))});
+    for (const fs::path& file : {copyOf("tone.opus"), flac}) {
+        support::python(
+            uR"(
+import sys, base64, mutagen, mutagen.flac
+file = mutagen.File(sys.argv[1])
+art = mutagen.flac.Picture()
+covers = []
+for kind in (3, 4):
+    art.data, art.mime, art.type = bytes(range(200 + kind)) * 300, "image/png", kind
+    covers.append(base64.b64encode(art.write()).decode())
+file["metadata_block_picture"] = covers
+file["artist"] = ["one", "two", "three"]
+file["odd field"] = ["x=y"]
+file.save()
+)"_s,
+            {file});
+        expectKept(file,
+                   uR"(
+import sys, hashlib, mutagen
+tags = mutagen.File(sys.argv[1]).tags
+for key in sorted(k.lower() for k in tags.keys()):
+    if key != "encoder":
+        print(key, sorted(hashlib.md5(v.encode()).hexdigest() for v in tags[key]))
+)"_s);
+    }
+}
+
 TEST_F(Carried, AiffKeepsEveryChunk) {
     const fs::path file = copyOf("tone.aiff");
     support::python(
