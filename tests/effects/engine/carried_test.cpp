@@ -385,13 +385,10 @@ print(data[:3], size, hashlib.md5(data[:size]).hexdigest(), data[-128:])
     }
 }
 
-TEST_F(Carried, OpusAndFlacInOggKeepFieldsAndCovers) {
-    const fs::path flac = folder / "tone.oga";
-    run(u"flac"_s, {u"-s"_s, u"--ogg"_s, u"-o"_s, platform::toQString(flac),
-                    platform::toQString(support::fixture("tone.wav"))});
-    for (const fs::path& file : {copyOf("tone.opus"), flac}) {
-        support::python(
-            uR"(
+TEST_F(Carried, OpusKeepsFieldsAndCovers) {
+    const fs::path file = copyOf("tone.opus");
+    support::python(
+        uR"(
 import sys, base64, mutagen, mutagen.flac
 file = mutagen.File(sys.argv[1])
 art = mutagen.flac.Picture()
@@ -404,16 +401,15 @@ file["artist"] = ["one", "two", "three"]
 file["odd field"] = ["x=y"]
 file.save()
 )"_s,
-            {file});
-        expectKept(file,
-                   uR"(
+        {file});
+    expectKept(file,
+               uR"(
 import sys, hashlib, mutagen
 tags = mutagen.File(sys.argv[1]).tags
 for key in sorted(k.lower() for k in tags.keys()):
     if key != "encoder":
         print(key, sorted(hashlib.md5(v.encode()).hexdigest() for v in tags[key]))
 )"_s);
-    }
 }
 
 TEST_F(Carried, AiffKeepsEveryChunk) {
