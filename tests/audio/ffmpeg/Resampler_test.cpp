@@ -1,12 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "audio/ffmpeg/Resampler.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <numbers>
+#include <utility>
 
+#include <QFile>
+#include <QString>
 #include <gtest/gtest.h>
 
+#include "tests/support/Fixtures.h"
 #include "tests/support/Sound.h"
+#include "tests/support/TempFolder.h"
 
 namespace {
 
@@ -52,6 +59,79 @@ TEST(Resampler, EveryRateKeepsPlaceAndLength) {
                     << from << " to " << to;
             }
         }
+}
+
+/// A sweep over one second from one frequency to another, at half of full scale.
+std::vector<float> sweep(int rate, double from, double to) {
+    std::vector<float> samples;
+    double phase = 0;
+    for (int i = 0; i < rate; ++i) {
+        const double fade = std::min({1.0, i / (0.05 * rate), (rate - i) / (0.05 * rate)});
+        samples.push_back(float(0.5 * fade * fade * std::sin(phase)));
+        phase += 2 * std::numbers::pi * (from + (to - from) * i / rate) / rate;
+    }
+    return samples;
+}
+
+/// What sox leaves of a sound above or below a frequency, by a filter of 140 dB, in dB of full
+/// scale.
+double levelOf(const std::vector<float>& sound, int rate, const QString& band) {
+    const support::TempFolder folder;
+    const QString path = folder.file(QStringLiteral("sound.f32"));
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(reinterpret_cast<const char*>(sound.data()), qint64(sound.size() * sizeof(float)));
+    file.close();
+    const auto filtered = support::run(
+        QStringLiteral("sox"),
+        {QStringLiteral("-t"), QStringLiteral("f32"), QStringLiteral("-r"), QString::number(rate),
+         QStringLiteral("-c"), QStringLiteral("1"), path, QStringLiteral("-t"),
+         QStringLiteral("f32"), QStringLiteral("-"), QStringLiteral("sinc"), QStringLiteral("-a"),
+         QStringLiteral("140"), QStringLiteral("-t"), QStringLiteral("200"), band});
+    EXPECT_EQ(filtered.exitCode, 0) << filtered.err.toStdString();
+    double energy = 1e-30;
+    const auto count = std::size_t(filtered.out.size()) / sizeof(float);
+    for (std::size_t i = 0; i < count; ++i) {
+        float sample = 0;
+        std::memcpy(&sample, filtered.out.data() + i * sizeof(float), sizeof(float));
+        energy += double(sample) * double(sample);
+    }
+    return 10 * std::log10(energy / double(count));
+}
+
+// Up: what lies above the sound's own band is images. Down: what the target cannot hold must be
+// gone, and not come back as something else.
+TEST(Resampler, ImagesAndAliasesLieBelow100Db) {
+    for (const auto& [from, to] : {std::pair(22'050, 44'100), std::pair(44'100, 48'000),
+                                   std::pair(44'100, 96'000), std::pair(8'000, 48'000)}) {
+        Resampler up(from, 1, to, 1);
+        const auto out = convert(up, sweep(from, 0.3 * from, 0.45 * from), 1);
+        EXPECT_GT(levelOf(out, to, QStringLiteral("0-%1").arg(from * 0.47)), -14) << from;
+        EXPECT_LT(levelOf(out, to, QString::number(from * 0.5)), -100) << from << " to " << to;
+    }
+    for (const auto& [from, to] :
+         {std::pair(48'000, 44'100), std::pair(96'000, 48'000), std::pair(192'000, 44'100)}) {
+        Resampler down(from, 1, to, 1);
+        const auto out = convert(down, sweep(from, 0.5 * to, 0.499 * from), 1);
+        EXPECT_LT(levelOf({out.begin() + to / 20, out.end()}, to, QStringLiteral("0-20000")), -100)
+            << from << " to " << to;
+    }
+}
+
+TEST(Resampler, IsTransparentTo20Kilohertz) {
+    for (const auto& [from, to] : {std::pair(44'100, 48'000), std::pair(48'000, 44'100),
+                                   std::pair(44'100, 96'000), std::pair(96'000, 44'100)}) {
+        for (const double hertz : {20.0, 997.0, 10'000.0, 18'000.0, 20'000.0}) {
+            Resampler resampler(from, 1, to, 1);
+            const auto out = convert(resampler, sine(from, std::size_t(from), 1, hertz), 1);
+            const auto ideal = sine(to, out.size(), 1, hertz);
+            const auto edge = std::ptrdiff_t(to / 5);
+            EXPECT_GT(support::snrDb({ideal.begin() + edge, ideal.end() - edge},
+                                     {out.begin() + edge, out.end() - edge}),
+                      60)
+                << hertz << " Hz from " << from << " to " << to;
+        }
+    }
 }
 
 TEST(Resampler, SameRateIsExact) {
