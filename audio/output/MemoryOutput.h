@@ -8,10 +8,11 @@
 
 namespace audio::output {
 
-/// Collects sound instead of playing it, at the pace of whoever pulls. For tests.
+/// Gives sound to whoever pulls, at his pace, instead of playing it; what was pulled counts as
+/// heard at once. He waits himself until there is something to pull. For tests.
 class MemoryOutput final : public OutputDevice {
   public:
-    MemoryOutput(int rate, FrameSource& source) : timing_{rate, 0, false}, source_(source) {}
+    MemoryOutput(int rate, FrameSource& source) : timing_{rate, {}}, source_(source) {}
 
     void start() override {}
     int rate() const override { return timing_.rate; }

@@ -8,12 +8,13 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+constexpr int kBlockFrames = 2048;
 constexpr auto kLate = std::chrono::seconds(1);  // after a suspend: no catching up
 
 }  // namespace
 
 NullOutput::NullOutput(int rate, FrameSource& source)
-    : timing_{rate, 0, true}, source_(source), block_(2 * kBlockFrames) {}
+    : rate_(rate), source_(source), block_(2 * kBlockFrames) {}
 
 NullOutput::~NullOutput() {
     {
@@ -35,10 +36,10 @@ void NullOutput::run() {
     std::unique_lock lock(mutex_);
     while (!quit_) {
         lock.unlock();
-        source_.render(block_.data(), kBlockFrames, timing_);
+        source_.render(block_.data(), kBlockFrames, {rate_, Clock::now()});
         taken += kBlockFrames;
         lock.lock();
-        const auto due = start + std::chrono::nanoseconds(taken * 1'000'000'000 / timing_.rate);
+        const auto due = start + durationOf(taken, rate_);
         if (Clock::now() - due > kLate) {
             start = Clock::now();
             taken = 0;

@@ -18,14 +18,14 @@ class NullOutput final : public OutputDevice {
     ~NullOutput() override;
 
     void start() override;
-    int rate() const override { return timing_.rate; }
+    int rate() const override { return rate_; }
     std::string name() const override { return "no sound device"; }
     bool alive() const override { return true; }
 
   private:
     void run();
 
-    const Timing timing_;
+    const int rate_;
     FrameSource& source_;
     std::vector<float> block_;
     std::mutex mutex_;  // guards quit_

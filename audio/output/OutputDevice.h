@@ -1,21 +1,25 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
 
 namespace audio::output {
 
-/// How many frames a device asks for at once.
-constexpr int kBlockFrames = 2048;
+/// How long so many frames last; exact for as long as a program may run.
+constexpr std::chrono::nanoseconds durationOf(std::int64_t frames, int rate) {
+    constexpr std::int64_t second = 1'000'000'000;
+    return std::chrono::nanoseconds(frames / rate * second + frames % rate * second / rate);
+}
 
-/// What a device says of itself with every block. A plain value.
+/// What a device says of each block that it asks for. A plain value.
 struct Timing {
-    int rate = 0;           ///< Hz
-    int latencyFrames = 0;  ///< from the hand-over of a block to the moment it begins to be heard
-    bool clocked = true;    ///< false: whatever is handed over counts as heard at once
+    int rate = 0;                                       ///< Hz
+    std::chrono::steady_clock::time_point heardFrom{};  ///< when its first frame begins to sound
 };
 
 /// Where a device gets its sound. Called on the device's own thread, by one device at a time.
@@ -26,9 +30,9 @@ class FrameSource {
     virtual void render(float* stereo, std::size_t frames, const Timing& timing) noexcept = 0;
 };
 
-/// An open way for sound to go: it takes stereo float frames at one rate. Made and destroyed on one
-/// thread, which may wait for the system. It asks its source for sound from start() until it is
-/// destroyed.
+/// An open way for sound to go: it takes stereo float frames at one rate. Made, started and
+/// destroyed by calls that may wait for the system, or never return; all others answer at once, on
+/// any thread. It asks its source for sound from start() until it is destroyed.
 class OutputDevice {
   public:
     virtual ~OutputDevice() = default;
@@ -38,9 +42,18 @@ class OutputDevice {
     virtual std::string name() const = 0;
     /// False once the device was removed or has stopped asking for sound.
     virtual bool alive() const = 0;
+    /// How often it asked so late that what it had cannot have lasted.
+    virtual int dropOuts() const { return 0; }
 };
 
-/// Opens a device at a rate, not started yet. Throws platform::Error where there is none.
-using OpenDevice = std::function<std::unique_ptr<OutputDevice>(int rate, FrameSource& source)>;
+/// What a device is to be like.
+struct DeviceWish {
+    int rate = 0;                         ///< Hz
+    std::chrono::milliseconds buffer{0};  ///< about this much is asked for at once
+};
+
+/// Opens a device, not started yet. Throws platform::Error where there is none.
+using OpenDevice =
+    std::function<std::unique_ptr<OutputDevice>(const DeviceWish& wish, FrameSource& source)>;
 
 }  // namespace audio::output

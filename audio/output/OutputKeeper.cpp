@@ -5,22 +5,26 @@
 #include <exception>
 #include <utility>
 
-#include "audio/output/NullOutput.h"
-
 namespace audio::output {
 namespace {
 
 using namespace std::chrono_literals;
 
 constexpr auto kLook = 200ms;         // between two looks at a device in use
+constexpr auto kOpening = 1500ms;     // of silence, until the null output takes over
+constexpr auto kReopening = 300ms;    // the same after a device was lost
+constexpr auto kClosing = 1000ms;     // at the end; a device that needs longer is left behind
 constexpr auto kCloseAfter = 60s;     // without anything playing
 constexpr auto kFirstRetry = 1000ms;  // for a real device while the null output runs; doubles
 constexpr auto kLastRetry = 16000ms;
+constexpr int kDropOuts = 3;  // of one device, before it gets a longer buffer
+constexpr auto kBuffer = 90ms;
+constexpr auto kLongestBuffer = 360ms;
 
 }  // namespace
 
 OutputKeeper::OutputKeeper(OpenDevice open, FrameSource& source)
-    : open_(std::move(open)), source_(source), thread_([this] { run(); }) {}
+    : open_(std::move(open)), source_(source), buffer_(kBuffer), thread_([this] { run(); }) {}
 
 OutputKeeper::~OutputKeeper() {
     shutDown();
@@ -28,87 +32,144 @@ OutputKeeper::~OutputKeeper() {
 
 void OutputKeeper::shutDown() {
     {
-        const std::lock_guard lock(mutex_);
+        const std::lock_guard lock(signal_->mutex);
         quit_ = true;
     }
-    wake_.notify_all();
+    (*signal_)();
     if (thread_.joinable()) thread_.join();
 }
 
 void OutputKeeper::setRate(int rate) {
-    const std::lock_guard lock(mutex_);
     rate_ = rate;
-    wake_.notify_all();
+    (*signal_)();
 }
 
 void OutputKeeper::setPlaying(bool playing) {
-    const std::lock_guard lock(mutex_);
-    playing_ = playing;
-    wake_.notify_all();
+    {
+        const std::lock_guard lock(signal_->mutex);
+        playing_ = playing;
+    }
+    (*signal_)();
 }
 
 std::string OutputKeeper::deviceName() const {
-    const std::lock_guard lock(mutex_);
+    const std::lock_guard lock(signal_->mutex);
     return name_;
 }
 
 void OutputKeeper::run() {
-    std::unique_lock lock(mutex_);
+    std::unique_lock lock(signal_->mutex);
     while (!quit_) {
+        const unsigned seen = signal_->given;
         if (playing_) lastPlaying_ = Clock::now();
         lock.unlock();
         attend();
         lock.lock();
-        name_ = device_ ? device_->name() : std::string();
-        const int current = device_ ? device_->rate() : 0;  // which is the rate of no device
-        const auto changed = [this, current] {
-            return quit_ || (playing_ && rate_.load() != current);
-        };
-        if (device_)
-            wake_.wait_for(lock, kLook, changed);
+        name_ = standIn_ ? standIn_->name() : adopted_ ? line_->device->name() : std::string();
+        const auto given = [&] { return quit_ || signal_->given != seen; };
+        if (isIdle())
+            signal_->wake.wait(lock, [this] { return quit_ || (playing_ && rate_ != 0); });
         else
-            wake_.wait(lock, changed);
+            signal_->wake.wait_for(lock, kLook, given);
     }
     lock.unlock();
-    device_.reset();
+    finish();
 }
 
+/// One look at how things stand, and the steps that are due.
 void OutputKeeper::attend() {
-    const int rate = rate_;
-    if (rate == 0) return;
+    if (rate_ == 0) return;
+    closeRetired();
     const auto now = Clock::now();
     if (now - lastPlaying_ > kCloseAfter) {
-        device_.reset();
+        standIn_.reset();
+        if (line_) retire(kOpening);
+        return closeRetired();
+    }
+    followLine();
+    if (standIn_ && standIn_->rate() != rate_) startStandIn();
+    closeRetired();
+    const bool due = !standIn_ || now >= nextTry_;
+    if (!line_ && !retired_ && !hand_.busy() && due) beginOpening();
+    if (!adopted_ && !standIn_ && now >= standInFrom_) startStandIn();
+}
+
+/// What has become of the device that is in use, or on the way.
+void OutputKeeper::followLine() {
+    if (!line_ || line_->state == DeviceLine::Opening) return;
+    if (line_->state == DeviceLine::Failed) {
+        line_.reset();
+        if (!standIn_) startStandIn();
         return;
     }
-    if (!device_ || device_->rate() != rate || !device_->alive()) {
-        replace(rate);
-    } else if (standIn_ && now >= nextTry_) {
-        retry_ = std::min<std::chrono::milliseconds>(retry_ * 2, kLastRetry);
-        nextTry_ = now + retry_;
-        tryOpen(rate);
-    }
+    if (!adopted_) adopt();
+    const OutputDevice& device = *line_->device;
+    if (!device.alive()) return retire(kReopening);
+    if (device.rate() != rate_) return retire(kOpening);
+    if (device.dropOuts() < kDropOuts || buffer_ >= kLongestBuffer) return;
+    buffer_ *= 2;
+    retire(kOpening);
 }
 
-void OutputKeeper::replace(int rate) {
-    device_.reset();  // before the next one: many devices serve one at a time
-    if (tryOpen(rate)) return;
-    device_ = std::make_unique<NullOutput>(rate, source_);
-    standIn_ = true;
+/// The null output, if it runs, ends before the device begins.
+void OutputKeeper::adopt() {
+    standIn_.reset();
+    adopted_ = true;
+    line_->gate.open();
+}
+
+/// Nothing goes to the device any more; it is closed when the hand is free.
+void OutputKeeper::retire(std::chrono::milliseconds silence) {
+    line_->gate.shut();
+    adopted_ = false;
+    standInFrom_ = Clock::now() + silence;
+    retired_ = std::move(line_);
+}
+
+void OutputKeeper::closeRetired() {
+    if (retired_ && !hand_.busy())
+        hand_.start([line = std::exchange(retired_, nullptr)] { line->device.reset(); });
+}
+
+void OutputKeeper::beginOpening() {
+    if (standIn_) {
+        retry_ = std::min<std::chrono::milliseconds>(retry_ * 2, kLastRetry);
+        nextTry_ = Clock::now() + retry_;
+    } else {
+        standInFrom_ = Clock::now() + kOpening;
+    }
+    line_ = std::make_shared<DeviceLine>(source_);
+    hand_.start([line = line_, open = open_, wish = DeviceWish{rate_, buffer_}] {
+        try {
+            line->device = open(wish, line->gate);
+            line->device->start();
+            line->state = DeviceLine::Running;
+        } catch (const std::exception&) {
+            line->state = DeviceLine::Failed;  // the null output takes the sound
+        }
+    });
+}
+
+void OutputKeeper::startStandIn() {
+    standIn_.reset();
+    standIn_ = std::make_unique<NullOutput>(rate_, source_);
     retry_ = kFirstRetry;
     nextTry_ = Clock::now() + retry_;
-    device_->start();
+    standIn_->start();
 }
 
-bool OutputKeeper::tryOpen(int rate) {
-    try {
-        auto device = open_(rate, source_);
-        device_ = std::move(device);  // the null output, if it runs, ends before this one starts
-        standIn_ = false;
-        device_->start();
-        return true;
-    } catch (const std::exception&) {
-        return false;  // the null output takes the sound
+/// A device that hangs already is not waited for at all.
+void OutputKeeper::finish() {
+    standIn_.reset();
+    if (line_) retire({});
+    const auto until = (hand_.busy() ? hand_.since() : Clock::now()) + kClosing;
+    std::unique_lock lock(signal_->mutex);
+    while ((retired_ || hand_.busy()) && Clock::now() < until) {
+        const unsigned seen = signal_->given;
+        lock.unlock();
+        closeRetired();
+        lock.lock();
+        signal_->wake.wait_until(lock, until, [&] { return signal_->given != seen; });
     }
 }
 

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "audio/output/SdlOutput.h"
 
+#include <algorithm>
 #include <atomic>
+#include <bit>
 #include <chrono>
 #include <string>
 
@@ -15,7 +17,13 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr auto kStall = std::chrono::milliseconds(700);  // some twelve blocks without a call
+constexpr auto kStall = std::chrono::milliseconds(500);  // without a call, and four blocks more
+
+/// The power of two nearest to a time: what sound systems divide their buffers by.
+int blockFrames(const DeviceWish& wish) {
+    const auto frames = unsigned(wish.rate * wish.buffer.count() / 1000);
+    return int(std::clamp(std::bit_floor(frames + frames / 2), 256U, 32768U));
+}
 
 platform::Error failure() {
     return platform::Error(std::string("No sound device can be opened: ") + SDL_GetError() + ".");
@@ -27,7 +35,6 @@ class SdlAudio {
     SdlAudio() {
         SDL_SetMainReady();
         SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
-        SDL_SetHint(SDL_HINT_AUDIO_DEVICE_APP_NAME, "Tracksmith");
         if (SDL_InitSubSystem(SDL_INIT_AUDIO) != 0) throw failure();
     }
     ~SdlAudio() { SDL_QuitSubSystem(SDL_INIT_AUDIO); }
@@ -37,17 +44,21 @@ class SdlAudio {
 
 class SdlOutput final : public OutputDevice {
   public:
-    SdlOutput(int rate, FrameSource& source)
-        : timing_{rate, kBlockFrames, true}, source_(source), lastCall_(Clock::now()) {
+    SdlOutput(const DeviceWish& wish, FrameSource& source)
+        : rate_(wish.rate),
+          block_(durationOf(blockFrames(wish), wish.rate)),
+          source_(source),
+          lastCall_(Clock::now()) {
         SDL_AudioSpec wanted{};
-        wanted.freq = rate;
+        wanted.freq = wish.rate;
         wanted.format = AUDIO_F32SYS;
         wanted.channels = 2;
-        wanted.samples = kBlockFrames;
+        wanted.samples = Uint16(blockFrames(wish));
         wanted.callback = &SdlOutput::call;
         wanted.userdata = this;
         device_ = SDL_OpenAudioDevice(nullptr, 0, &wanted, nullptr, 0);
         if (device_ == 0) throw failure();
+        name_ = SDL_GetCurrentAudioDriver();
     }
     ~SdlOutput() override { SDL_CloseAudioDevice(device_); }
 
@@ -55,33 +66,51 @@ class SdlOutput final : public OutputDevice {
         lastCall_ = Clock::now();
         SDL_PauseAudioDevice(device_, 0);
     }
-    int rate() const override { return timing_.rate; }
-    std::string name() const override { return SDL_GetCurrentAudioDriver(); }
+    int rate() const override { return rate_; }
+    std::string name() const override { return name_; }
     bool alive() const override {
-        // SDL goes on calling for a device that is gone, but calls it stopped.
-        return SDL_GetAudioDeviceStatus(device_) != SDL_AUDIO_STOPPED &&
-               Clock::now() - lastCall_.load() < kStall;
+        return !gone_ && Clock::now() - lastCall_.load() < kStall + 4 * block_;
     }
+    int dropOuts() const override { return dropOuts_; }
 
   private:
     static void SDLCALL call(void* self, Uint8* bytes, int size) {
-        auto& output = *static_cast<SdlOutput*>(self);
-        output.lastCall_ = Clock::now();
-        output.source_.render(reinterpret_cast<float*>(bytes), std::size_t(size) / sizeof(float[2]),
-                              output.timing_);
+        static_cast<SdlOutput*>(self)->fill(reinterpret_cast<float*>(bytes),
+                                            std::size_t(size) / sizeof(float[2]));
+    }
+    void fill(float* stereo, std::size_t frames) {
+        const auto now = Clock::now();
+        // The device has two blocks: it asks for one while it plays the other.
+        if (now - lastCall_.exchange(now) > 2 * block_) ++dropOuts_;
+        // SDL goes on calling for a device that is gone, but calls it stopped.
+        gone_ = SDL_GetAudioDeviceStatus(device_) == SDL_AUDIO_STOPPED;
+        source_.render(stereo, frames, {rate_, now + block_});
     }
 
     const SdlAudio audio_;
-    const Timing timing_;
+    const int rate_;
+    const std::chrono::nanoseconds block_;
     FrameSource& source_;
-    std::atomic<Clock::time_point> lastCall_;  // written by SDL's thread, read by the owner's
+    // SDL's thread writes these, any thread reads them.
+    std::atomic<Clock::time_point> lastCall_;
+    std::atomic<bool> gone_ = false;
+    std::atomic<int> dropOuts_ = 0;
     SDL_AudioDeviceID device_ = 0;
+    std::string name_;
 };
 
 }  // namespace
 
-std::unique_ptr<OutputDevice> openSdlOutput(int rate, FrameSource& source) {
-    return std::make_unique<SdlOutput>(rate, source);
+std::unique_ptr<OutputDevice> openSdlOutput(const DeviceWish& wish, FrameSource& source) {
+    return std::make_unique<SdlOutput>(wish, source);
+}
+
+void describeStream() {
+    SDL_SetHint(SDL_HINT_AUDIO_DEVICE_APP_NAME, "Tracksmith");
+    SDL_SetHint(SDL_HINT_AUDIO_DEVICE_STREAM_NAME, "Playlist");
+    SDL_SetHint(SDL_HINT_AUDIO_DEVICE_STREAM_ROLE, "music");
+    // PulseAudio's client library takes the role from here alone.
+    SDL_setenv("PULSE_PROP", "media.role=music application.icon_name=tracksmith", 0);
 }
 
 }  // namespace audio::output

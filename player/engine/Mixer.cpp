@@ -8,12 +8,7 @@ namespace player {
 void Mixer::render(float* stereo, std::size_t frames,
                    const audio::output::Timing& timing) noexcept {
     std::fill_n(stereo, 2 * frames, 0.0F);
-    for (Voice* voice : voices_) {
-        // Nothing is pressing without a clock.
-        while (!timing.clocked && !voice->awaitFrames(frames))
-            voice->channel().render(stereo, 0, timing);
-        voice->channel().render(stereo, frames, timing);
-    }
+    for (Voice* voice : voices_) voice->channel().render(stereo, frames, timing);
 }
 
 }  // namespace player

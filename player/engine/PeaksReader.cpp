@@ -44,12 +44,16 @@ std::shared_ptr<const audio::dsp::Peaks> PeaksReader::peaks(const QString& path)
 }
 
 void PeaksReader::release(const QString& path) {
-    std::unique_lock lock(mutex_);
+    const std::lock_guard lock(mutex_);
     if (path != path_) return;
     path_.clear();
     peaks_.reset();
     ++request_;
-    rested_.wait(lock, [this] { return !busy_; });
+}
+
+void PeaksReader::awaitRest(Clock::time_point until) {
+    std::unique_lock lock(mutex_);
+    rested_.wait_until(lock, until, [this] { return !busy_ || done_ == request_; });
 }
 
 void PeaksReader::run() {
@@ -76,10 +80,11 @@ void PeaksReader::measure(const QString& path, unsigned request) {
         std::vector<float> chunk(kChunk * std::size_t(source->channels()));
         auto published = Clock::now();
         while (const std::size_t frames = source->read(chunk.data(), kChunk)) {
+            if (!isWanted(request)) return;
             meter.add(chunk.data(), frames);
             if (Clock::now() - published < kPublishEvery) continue;
             published = Clock::now();
-            if (!publish(meter.peaks(), request)) return;
+            publish(meter.peaks(), request);
         }
         publish(meter.peaks(), request);
     } catch (const std::exception&) {
@@ -87,16 +92,19 @@ void PeaksReader::measure(const QString& path, unsigned request) {
     }
 }
 
-/// False where they are wanted no more.
-bool PeaksReader::publish(const audio::dsp::Peaks& peaks, unsigned request) {
+bool PeaksReader::isWanted(unsigned request) {
+    const std::lock_guard lock(mutex_);
+    return request == request_;
+}
+
+void PeaksReader::publish(const audio::dsp::Peaks& peaks, unsigned request) {
     auto copy = std::make_shared<const audio::dsp::Peaks>(peaks);
     {
         const std::lock_guard lock(mutex_);
-        if (request != request_) return false;
+        if (request != request_) return;
         peaks_ = std::move(copy);
     }
     changed_();
-    return true;
 }
 
 }  // namespace player

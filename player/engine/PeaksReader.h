@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <functional>
@@ -28,13 +29,16 @@ class PeaksReader {
     /// The peaks of this file as far as they are known; null where nothing is. Asked for another
     /// file than before, begins with that one.
     std::shared_ptr<const audio::dsp::Peaks> peaks(const QString& path);
-    /// Lets go of a file, and forgets its peaks. Waits until it is closed.
+    /// Lets go of a file, and forgets its peaks.
     void release(const QString& path);
+    /// Waits until no file is open that is not wanted, up to this moment.
+    void awaitRest(std::chrono::steady_clock::time_point until);
 
   private:
     void run();
     void measure(const QString& path, unsigned request);
-    bool publish(const audio::dsp::Peaks& peaks, unsigned request);
+    bool isWanted(unsigned request);
+    void publish(const audio::dsp::Peaks& peaks, unsigned request);
 
     const OpenSound openSound_;
     const std::function<void()> changed_;

@@ -3,9 +3,11 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <exception>
 #include <utility>
 
+#include <QDir>
 #include <QFileInfo>
 #include <QTimer>
 
@@ -27,6 +29,7 @@ namespace {
 
 constexpr int kPollMs = 20;  // while something plays
 constexpr std::int64_t kStepMs = 10000;
+constexpr std::chrono::milliseconds kReleaseWait(50);
 
 bool isPlayer(int player) {
     return player >= 0 && player < kPlayers;
@@ -39,6 +42,16 @@ OpenSound localOnly(OpenSound open) {
             throw platform::Error("\"" + path.toStdString() + "\" is no local file.");
         return open(path);
     };
+}
+
+/// A path as entries have it.
+QString nativeFile(const QString& path) {
+    return QDir::toNativeSeparators(QFileInfo(path).absoluteFilePath());
+}
+
+EngineParts usualParts() {
+    audio::output::describeStream();
+    return {audio::output::openSdlOutput, openWithDecoder};
 }
 
 int clampLevel(int level) {
@@ -72,7 +85,7 @@ class PlayerEngine::Impl {
 
     void stop(int player) {
         transport(player).stop();
-        if (std::exchange(overlay_, false)) transport(1 - player).stop();
+        endOverlay(player);
     }
     void fade(int player, int from, int to, std::int64_t milliseconds) {
         Transport& faded = transport(player);
@@ -81,6 +94,19 @@ class PlayerEngine::Impl {
         faded.playSound();
         overlay_ = true;
     }
+    void playItem(int player, int index) {
+        endOverlay(player);
+        transport(player).playItem(index);
+    }
+    /// The other player of an overlay is not left to sound alone.
+    void step(int player, int direction) {
+        Transport& stepped = transport(player);
+        const bool faded = endOverlay(player) && stepped.status() == StatusStopped;
+        stepped.step(direction);
+        if (faded) stepped.playSound();
+    }
+    void release(const QString& file);
+    void acquire(const QString& file);
     void forBoth(const std::function<void(int)>& call) {
         for (int player = 0; player < kPlayers; ++player) call(player);
     }
@@ -91,6 +117,12 @@ class PlayerEngine::Impl {
     audio::dsp::Spectrum spectrum;
 
   private:
+    /// True where there was one.
+    bool endOverlay(int player) {
+        if (!std::exchange(overlay_, false)) return false;
+        transport(1 - player).stop();
+        return true;
+    }
     void connectPlayer(int player);
     void followStatus();
     void poll();
@@ -141,6 +173,29 @@ void PlayerEngine::Impl::connectPlayer(int player) {
             [this, player](int index) { Q_EMIT engine_.NowPlayingChanged(player, index); });
     connect(&from, &Transport::ended, &engine_,
             [this, player](int index) { Q_EMIT engine_.PlaybackEnded(player, index); });
+    connect(&from, &Transport::unloaded, &engine_,
+            [this, player] { Q_EMIT engine_.PeaksChanged(player); });
+}
+
+void PlayerEngine::Impl::release(const QString& file) {
+    forBoth([&](int player) {
+        voice(player).release(file);
+        peaks(player).release(file);
+    });
+    const auto until = std::chrono::steady_clock::now() + kReleaseWait;
+    forBoth([&](int player) {
+        voice(player).awaitOrders(until);
+        peaks(player).awaitRest(until);
+    });
+}
+
+void PlayerEngine::Impl::acquire(const QString& file) {
+    forBoth([&](int player) {
+        voice(player).acquire(file);
+        transport(player).forget(file);
+        if (transport(player).path() == file) (player == 0 ? peaksCame0_ : peaksCame1_)();
+    });
+    store.readAgain(file);
 }
 
 void PlayerEngine::Impl::followStatus() {
@@ -158,8 +213,7 @@ void PlayerEngine::Impl::poll() {
     });
 }
 
-PlayerEngine::PlayerEngine(QObject* parent)
-    : PlayerEngine(EngineParts{audio::output::openSdlOutput, openWithDecoder}, parent) {}
+PlayerEngine::PlayerEngine(QObject* parent) : PlayerEngine(usualParts(), parent) {}
 
 PlayerEngine::PlayerEngine(const EngineParts& parts, QObject* parent)
     : QObject(parent),
@@ -174,7 +228,7 @@ void PlayerEngine::InitEngine(std::int16_t, std::intptr_t, std::int16_t, std::in
 }
 
 void PlayerEngine::LoadSound(std::int16_t player, const QString& path) {
-    if (isPlayer(player)) impl_->transport(player).loadSound(QFileInfo(path).absoluteFilePath());
+    if (isPlayer(player)) impl_->transport(player).loadSound(nativeFile(path));
 }
 
 void PlayerEngine::PlaySound(std::int16_t player) {
@@ -186,7 +240,10 @@ void PlayerEngine::SetPlayerFlag(std::int16_t, bool) {}
 std::int32_t PlayerEngine::PlaylistLoad(std::int16_t player, const QString& path,
                                         std::int32_t replace) {
     if (!isPlayer(player)) return 1;
-    return impl_->attempt([&] { impl_->store.load(player, path, replace != 0); });
+    return impl_->attempt([&] {
+        impl_->store.load(player, path, replace != 0);
+        impl_->transport(player).followList();
+    });
 }
 
 std::int32_t PlayerEngine::PlaylistSave(std::int16_t player, const QString& path,
@@ -216,7 +273,9 @@ std::int32_t PlayerEngine::PlaylistInsertFiles(std::int16_t player, const QStrin
 }
 
 void PlayerEngine::PlaylistRemoveItem(std::int16_t player, std::int16_t index) {
-    if (isPlayer(player)) impl_->store.list(player).remove(index);
+    if (!isPlayer(player)) return;
+    impl_->store.list(player).remove(index);
+    impl_->transport(player).followList();
 }
 
 void PlayerEngine::PlaylistMoveItem(std::int16_t player, std::int16_t from, std::int16_t to) {
@@ -233,15 +292,15 @@ std::int16_t PlayerEngine::PlaylistNowPlaying(std::int16_t player) const {
 }
 
 void PlayerEngine::PlaylistPlayItem(std::int16_t player, std::int16_t index) {
-    if (isPlayer(player)) impl_->transport(player).playItem(index);
+    if (isPlayer(player)) impl_->playItem(player, index);
 }
 
 void PlayerEngine::PlaylistNext(std::int16_t player) {
-    if (isPlayer(player)) impl_->transport(player).step(1);
+    if (isPlayer(player)) impl_->step(player, 1);
 }
 
 void PlayerEngine::PlaylistPrevious(std::int16_t player) {
-    if (isPlayer(player)) impl_->transport(player).step(-1);
+    if (isPlayer(player)) impl_->step(player, -1);
 }
 
 void PlayerEngine::Forward(std::int16_t player) {
@@ -311,6 +370,14 @@ void PlayerEngine::Seek(std::int16_t player, std::int32_t position) {
         transport.seekMs(position);
 }
 
+std::int64_t PlayerEngine::PositionMs(std::int16_t player) const {
+    return isPlayer(player) ? impl_->transport(player).positionMs() : -1;
+}
+
+void PlayerEngine::SeekMs(std::int16_t player, std::int64_t position) {
+    if (isPlayer(player)) impl_->transport(player).seekMs(position);
+}
+
 std::int64_t PlayerEngine::LengthMs(std::int16_t player) const {
     return isPlayer(player) ? impl_->transport(player).lengthMs() : -1;
 }
@@ -331,17 +398,15 @@ bool PlayerEngine::Spectrum(std::int16_t player, std::span<float> bands) const {
 }
 
 void PlayerEngine::ReleaseFile(const QString& path) {
-    const QString file = QFileInfo(path).absoluteFilePath();
-    impl_->forBoth([&](int player) {
-        impl_->voice(player).release(file);
-        impl_->peaks(player).release(file);
-    });
+    impl_->release(nativeFile(path));
 }
 
 void PlayerEngine::AcquireFile(const QString& path) {
-    const QString file = QFileInfo(path).absoluteFilePath();
-    impl_->forBoth([&](int player) { impl_->voice(player).acquire(file); });
-    impl_->store.readAgain(path);
+    impl_->acquire(nativeFile(path));
+}
+
+bool PlayerEngine::IsReady(std::size_t frames) const {
+    return impl_->voice(0).isReady(frames) && impl_->voice(1).isReady(frames);
 }
 
 QString PlayerEngine::LastError() const {

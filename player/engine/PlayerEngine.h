@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -37,7 +38,8 @@ enum PositionUnitValue : std::int16_t { UnitMilliseconds = 0, UnitPercent = 4 };
 ///
 /// Lives on the thread that made it, which needs an event loop: every call comes from there and
 /// every signal is raised there, never from within a call. No call throws and none waits for a
-/// decoder or a device; the playlist calls that read titles wait up to 150 ms for them. A player
+/// decoder or a device; the playlist calls that read titles wait up to 150 ms for them, and
+/// ReleaseFile up to 50 ms for the decoders. A player
 /// number other than 0 and 1, or an index outside the playlist, makes a call do nothing.
 ///
 /// Order of events: after a play command, PlaybackStarted when the first frames are ready, then
@@ -92,11 +94,13 @@ class PlayerEngine : public QObject {
     std::int16_t PlaylistNowPlaying(std::int16_t player) const;
 
     // Transport. An entry that cannot be played is skipped in the direction of travel; where none
-    // is left, playback ends.
+    // is left at the end of one, playback ends.
 
     void PlaylistPlayItem(std::int16_t player, std::int16_t index);
     /// The neighbour of the current entry: it plays, is held paused, or is cued, as the current one
-    /// was. Without a neighbour, or before anything was played, nothing happens.
+    /// was. Until it is found, and where no neighbour can be played, the current one goes on.
+    /// Before anything was played nothing happens. Ends an overlay (FadePlayer), as playing an
+    /// entry does: what the player was faded out of then gives way to the neighbour.
     void PlaylistNext(std::int16_t player);
     void PlaylistPrevious(std::int16_t player);
     void Forward(std::int16_t player);  ///< ten seconds, at most to the end of the entry
@@ -115,9 +119,9 @@ class PlayerEngine : public QObject {
     /// the end of a fade to 0 the player stops. The fade belongs to the sound that is on: another
     /// entry or sound that is put on, and Stop, end it.
     ///
-    /// The second half-minute of entry i fades out under another file on player 1, with
-    /// PositionUnit 0: PlaylistPlayItem(0, i), Seek(0, 30000), FadePlayer(0, 99, 0, 30000),
-    /// LoadSound(1, file), FadePlayer(1, 0, 99, 30000).
+    /// The second half-minute of entry i fades out under another file on player 1:
+    /// PlaylistPlayItem(0, i), SeekMs(0, 30000), FadePlayer(0, 99, 0, 30000), LoadSound(1, file),
+    /// FadePlayer(1, 0, 99, 30000).
     void FadePlayer(std::int16_t player, std::int16_t fromLevel, std::int16_t toLevel,
                     std::int32_t milliseconds);
 
@@ -134,6 +138,9 @@ class PlayerEngine : public QObject {
     /// To an exact frame of the current entry, clamped to it, in the current unit. Does nothing
     /// while stopped.
     void Seek(std::int16_t player, std::int32_t position);
+    /// The same as GetPosition and Seek, in milliseconds whatever PositionUnit is.
+    std::int64_t PositionMs(std::int16_t player) const;
+    void SeekMs(std::int16_t player, std::int64_t position);
     /// The length of what is loaded, milliseconds; -1 while unknown or where nothing is loaded.
     std::int64_t LengthMs(std::int16_t player) const;
 
@@ -146,10 +153,16 @@ class PlayerEngine : public QObject {
     /// with the spectrum of what is heard of the player. False, and all zero, where nothing sounds.
     bool Spectrum(std::int16_t player, std::span<float> bands) const;
 
-    /// Closes every handle the engine has on a file and keeps the place; AcquireFile opens it again
-    /// and goes on there, and reads title and duration anew. Pairs, through FileRelease.
+    /// Closes every handle the engine has on a file and keeps the place; a decoder that is deep in
+    /// the file closes it as soon as it can. AcquireFile opens it again and goes on there, and
+    /// reads title, duration and peaks anew. Pairs, through FileRelease.
     void ReleaseFile(const QString& path);
     void AcquireFile(const QString& path);
+
+    /// Whether the next frames of both players are decoded, or no more can come before these are
+    /// taken: who takes the sound faster than a device does waits for it, and misses none. Any
+    /// thread.
+    bool IsReady(std::size_t frames) const;
 
     /// A sentence on the last call that failed; empty before the first.
     QString LastError() const;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <mutex>
 
@@ -9,8 +10,20 @@
 
 namespace player {
 
-/// Agrees the device's rate between the players: it is the rate of the sound that a player begins
-/// with while the other one is silent, so that this sound comes through as it is. Any thread.
+/// The rate of a device that lets a sound of this rate through whole: 44.1 or 48 kHz, whichever is
+/// of the sound's family, and the next usual rate for a sound above them.
+inline int deviceRateFor(int sourceRate) {
+    constexpr std::array<int, 4> high = {88200, 96000, 176400, 192000};
+    const bool ofCd = sourceRate % 11025 == 0;
+    if (sourceRate <= 48000) return ofCd ? 44100 : 48000;
+    const auto* const rate = std::lower_bound(high.begin(), high.end(), sourceRate);
+    if (rate != high.end()) return *rate;
+    return ofCd ? 176400 : 192000;
+}
+
+/// Agrees the device's rate between the players: a sound that is begun with may raise it while the
+/// other player is silent, and nothing lowers it, so that no sound is heard through the band of a
+/// slower one. Any thread.
 class RateShare {
   public:
     explicit RateShare(audio::output::OutputKeeper& keeper) : keeper_(keeper) {}
@@ -19,10 +32,16 @@ class RateShare {
     int join(int player, int sourceRate) {
         const std::lock_guard lock(mutex_);
         users_[std::size_t(player)] = true;
-        const bool alone = !users_[std::size_t(1 - player)];
-        const bool usual = sourceRate >= 8000 && sourceRate <= 192000;
-        if (alone || keeper_.rate() == 0) keeper_.setRate(usual ? sourceRate : 48000);
+        const int wanted = deviceRateFor(sourceRate);
+        const bool first = keeper_.rate() == 0;
+        if (first || (isAlone(player) && wanted > keeper_.rate())) keeper_.setRate(wanted);
         return keeper_.rate();
+    }
+    /// Whether join() is to be asked again for a sound that follows another one. Between 44.1 and
+    /// 48 kHz it is not: both hold all that is heard, and the device plays on without a break.
+    bool raises(int player, int sourceRate) {
+        const std::lock_guard lock(mutex_);
+        return sourceRate > 48000 && isAlone(player) && deviceRateFor(sourceRate) > keeper_.rate();
     }
     /// A player has nothing to play any more.
     void leave(int player) {
@@ -31,6 +50,8 @@ class RateShare {
     }
 
   private:
+    bool isAlone(int player) const { return !users_[std::size_t(1 - player)]; }
+
     audio::output::OutputKeeper& keeper_;
     std::mutex mutex_;  // guards users_, and the rate against a change by the other player
     std::array<bool, kPlayers> users_{};

@@ -39,14 +39,19 @@ void Transport::playItem(int index) {
 
 void Transport::step(int direction) {
     if (!loaded_ || id_ == 0) return;
-    const auto entry = store_.list(player_).neighbour(id_, direction);
+    const EntryId from = stepping_ != 0 ? steppingTo_ : id_;
+    const auto entry = store_.list(player_).neighbour(from, direction);
     if (!entry) return;
-    if (status_ != StatusStopped) {
-        open(entry->id, entry->path, direction);
-        return;
-    }
-    id_ = entry->id;
-    path_ = entry->path;
+    if (status_ == StatusStopped) return cue(*entry);
+    if (!opened_) return open(entry->id, entry->path, direction);
+    stepping_ = voice_.step(entry->id, entry->path, direction);
+    steppingTo_ = entry->id;
+}
+
+/// The entry that a stopped player is to play next.
+void Transport::cue(const Entry& entry) {
+    id_ = entry.id;
+    path_ = entry.path;
     stoppedAt_ = {};
     const int index = nowPlaying();
     QMetaObject::invokeMethod(
@@ -57,10 +62,12 @@ void Transport::stop() {
     if (opening_ == 0) return;
     stoppedAt_ = {0, place().length, place().rate};
     opening_ = 0;
+    stepping_ = 0;
     start_ = 0;
     seeking_.reset();
     setStatus(StatusStopped);
     voice_.close();
+    followList();
 }
 
 void Transport::pause() {
@@ -85,10 +92,26 @@ void Transport::open(EntryId id, const QString& path, int direction) {
     loaded_ = true;
     id_ = id;
     path_ = path;
+    opened_ = false;
     start_ = 0;
+    stepping_ = 0;
     seeking_.reset();
     stoppedAt_ = {};
     opening_ = voice_.open(id, path, direction);
+}
+
+void Transport::followList() {
+    if (opening_ != 0 || !loaded_ || id_ == 0 || nowPlaying() >= 0) return;
+    loaded_ = false;
+    id_ = 0;
+    path_.clear();
+    stoppedAt_ = {};
+    QMetaObject::invokeMethod(
+        this, [this] { Q_EMIT unloaded(); }, Qt::QueuedConnection);
+}
+
+void Transport::forget(const QString& path) {
+    if (path_ == path && opening_ == 0) stoppedAt_ = {};
 }
 
 void Transport::setStatus(int status) {
@@ -186,6 +209,8 @@ void Transport::take(const Voice::News& news) {
         if (news.mark.id != 0 && news.mark.sourceRate > 0)
             store_.correctDuration(player_, news.mark.id,
                                    news.mark.length * 1000 / news.mark.sourceRate);
+    } else if (news.opening == stepping_ && stepping_ != 0) {
+        takeStep(news);
     } else if (news.opening == opening_ && opening_ != 0) {
         if (news.kind == Voice::News::Opened)
             takeOpened(news.mark);
@@ -194,7 +219,16 @@ void Transport::take(const Voice::News& news) {
     }
 }
 
+void Transport::takeStep(const Voice::News& news) {
+    stepping_ = 0;
+    if (news.kind != Voice::News::Opened) return;
+    opening_ = news.opening;
+    start_ = 0;
+    takeOpened(news.mark);
+}
+
 void Transport::takeOpened(const Mark& mark) {
+    opened_ = true;
     if (status_ == StatusPlaying) {
         if (mark.id != 0) id_ = mark.id;  // others may have been skipped
         Q_EMIT started();

@@ -23,6 +23,8 @@ class Transport : public QObject {
     void loadSound(const QString& path);
     void playSound();
     void playItem(int index);
+    /// While something is on, the neighbour takes its place once it is found; where none can be
+    /// played, what is on goes on.
     void step(int direction);
     void stop();
     void pause();
@@ -44,6 +46,11 @@ class Transport : public QObject {
     void seekPercent(double percent);
     void seekBy(std::int64_t milliseconds);
 
+    /// Entries were taken off the list: a stopped player holds on to none of them.
+    void followList();
+    /// A file was written over: what was known of it is known no more.
+    void forget(const QString& path);
+
     /// Takes in what happened: at the voice's news, and often while it plays.
     void poll();
 
@@ -52,6 +59,7 @@ class Transport : public QObject {
     void started();
     void nowPlayingChanged(int index);
     void ended(int index);
+    void unloaded();  ///< the entry that a stop returned to is gone
 
   private:
     struct Place {
@@ -60,9 +68,11 @@ class Transport : public QObject {
         int rate = 0;
     };
 
+    void cue(const Entry& entry);
     void open(EntryId id, const QString& path, int direction);
     void setStatus(int status);
     void take(const Voice::News& news);
+    void takeStep(const Voice::News& news);
     void takeOpened(const Mark& mark);
     void followEar();
     void becomeCurrent(const Mark& mark);
@@ -80,9 +90,12 @@ class Transport : public QObject {
     bool loaded_ = false;
     EntryId id_ = 0;  // of what is loaded; 0: path_ alone
     QString path_;
-    unsigned opening_ = 0;  // the order that is on; 0 after a stop
-    unsigned start_ = 0;    // of the mark whose entry was announced last
-    Place stoppedAt_;       // length and rate outlast the stop
+    unsigned opening_ = 0;    // the order that is on; 0 after a stop
+    bool opened_ = false;     // the order that is on was obeyed
+    unsigned start_ = 0;      // of the mark whose entry was announced last
+    unsigned stepping_ = 0;   // the order to go to a neighbour, while it is under way
+    EntryId steppingTo_ = 0;  // the neighbour that it begins with
+    Place stoppedAt_;         // length and rate outlast the stop
     std::optional<SeekTarget> seeking_;
     unsigned seekNumber_ = 0;
 };

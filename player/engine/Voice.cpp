@@ -12,7 +12,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto kRefill = 100ms;  // the ring holds two seconds
-constexpr auto kReleaseWait = 2000ms;
+constexpr auto kDrained = 5ms;   // between two looks whether it has been played
 
 }  // namespace
 
@@ -30,13 +30,21 @@ Voice::~Voice() {
         quit_ = true;
     }
     wake_.notify_all();
-    rested_.notify_all();
     thread_.join();
 }
 
 unsigned Voice::open(EntryId id, const QString& path, int direction) {
     channel_.announceOpening(++lastOpening_);
     giveAnew(Opening{lastOpening_, id, path, direction});
+    return lastOpening_;
+}
+
+unsigned Voice::step(EntryId id, const QString& path, int direction) {
+    {
+        const std::lock_guard lock(mutex_);
+        std::erase_if(orders_, [](const Order& o) { return std::holds_alternative<Opening>(o); });
+    }
+    give(Opening{++lastOpening_, id, path, direction, true});
     return lastOpening_;
 }
 
@@ -59,8 +67,11 @@ void Voice::close() {
 
 void Voice::release(const QString& path) {
     give(ReleaseOrder{path});
+}
+
+void Voice::awaitOrders(std::chrono::steady_clock::time_point until) {
     std::unique_lock lock(mutex_);
-    rested_.wait_for(lock, kReleaseWait, [this] { return orders_.empty() && !busy_; });
+    rested_.wait_until(lock, until, [this] { return orders_.empty() && !busy_; });
 }
 
 void Voice::acquire(const QString& path) {
@@ -77,17 +88,14 @@ std::vector<Voice::News> Voice::takeNews() {
     return std::exchange(news_, {});
 }
 
-bool Voice::awaitFrames(std::size_t frames) {
-    std::unique_lock lock(mutex_);
+bool Voice::isReady(std::size_t frames) {
+    const std::lock_guard lock(mutex_);
+    if (quit_ || !channel_.running()) return true;
+    const bool fed = !canFeed_ || channel_.level() >= std::int64_t(frames) ||
+                     channel_.ring().space() == 0;  // of what is dropped when it is read on
+    if (fed && orders_.empty() && !busy_) return true;
     wake_.notify_all();
-    bool full = false;
-    rested_.wait(lock, [&] {
-        if (quit_ || !channel_.running()) return true;
-        if (!orders_.empty() || busy_) return false;
-        if (!canFeed_ || channel_.level() >= std::int64_t(frames)) return true;
-        return full = channel_.ring().space() == 0;
-    });
-    return !full;
+    return false;
 }
 
 bool Voice::isSuperseded() {
@@ -98,12 +106,12 @@ bool Voice::isSuperseded() {
            });
 }
 
-std::optional<SoundFeed::Seek> Voice::takeSeek() {
+std::optional<TrackFeed::Seek> Voice::takeSeek() {
     const std::lock_guard lock(mutex_);
     for (auto order = orders_.begin(); order != orders_.end(); ++order) {
         const auto* seek = std::get_if<SeekOrder>(&*order);
         if (!seek) continue;
-        const SoundFeed::Seek taken = seek->seek;
+        const TrackFeed::Seek taken = seek->seek;
         orders_.erase(order);
         return taken;
     }
@@ -116,6 +124,10 @@ int Voice::joinRate(int sourceRate) {
 
 void Voice::leaveRate() {
     rates_.leave(player_);
+}
+
+bool Voice::raisesRate(int sourceRate) {
+    return rates_.raises(player_, sourceRate);
 }
 
 void Voice::give(Order order) {
@@ -138,16 +150,16 @@ void Voice::giveAnew(Order order) {
 
 void Voice::run() {
     while (true) {
-        step();
+        doNext();
         const std::lock_guard lock(mutex_);
         if (quit_) return;
-        canFeed_ = feed_.isOpen() && !feed_.atEnd();
+        canFeed_ = feed_.canFeed();
         busy_ = false;
         rested_.notify_all();
     }
 }
 
-void Voice::step() {
+void Voice::doNext() {
     const auto order = nextOrder();
     try {
         if (order)
@@ -167,7 +179,7 @@ std::optional<Voice::Order> Voice::nextOrder() {
     std::unique_lock lock(mutex_);
     if (orders_.empty() && !quit_ && !feed_.hungry()) {
         if (feed_.isOpen() && channel_.running())
-            wake_.wait_for(lock, kRefill);
+            wake_.wait_for(lock, feed_.drains() ? kDrained : kRefill);
         else
             wake_.wait(lock);
     }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
@@ -14,13 +15,13 @@
 #include <QString>
 
 #include "player/engine/RateShare.h"
-#include "player/engine/SoundFeed.h"
+#include "player/engine/TrackFeed.h"
 
 namespace player {
 
 /// One player's sound: its decoder thread, and the orders that the engine's thread gives to it.
 /// Calls come from the engine's thread and return at once, but where they say otherwise.
-class Voice final : private SoundFeed::Host {
+class Voice final : private TrackFeed::Host {
   public:
     /// What the decoder thread has to tell.
     struct News {
@@ -41,11 +42,14 @@ class Voice final : private SoundFeed::Host {
     /// Orders; each gives way to a later one of its kind, and all but release to a later opening.
     /// Answers the order's number.
     unsigned open(EntryId id, const QString& path, int direction);
+    /// The same, but what is on goes on until the new sound is found, and where none is.
+    unsigned step(EntryId id, const QString& path, int direction);
     unsigned seek(const Mark& heard, const SeekTarget& target);
     void fade(double from, double to, std::int64_t milliseconds);
     void close();
-    /// Waits until the file is closed, at most two seconds.
     void release(const QString& path);
+    /// Waits until what was ordered is done, up to this moment.
+    void awaitOrders(std::chrono::steady_clock::time_point until);
     void acquire(const QString& path);
     /// Frames will be taken from the ring.
     void wake();
@@ -53,15 +57,13 @@ class Voice final : private SoundFeed::Host {
     std::optional<Mark> markAt(std::int64_t ringFrame) const { return feed_.markAt(ringFrame); }
     std::vector<News> takeNews();
 
-    /// Waits until the ring holds this many frames or no more can come. For a device without a
-    /// clock, on its thread.
-    /// False where they wait for room that the reader is to make.
-    bool awaitFrames(std::size_t frames);
+    /// Whether the ring holds this many frames, or no more can come before it is read on.
+    bool isReady(std::size_t frames);
 
   private:
     struct SeekOrder {
         Mark heard;
-        SoundFeed::Seek seek;
+        TrackFeed::Seek seek;
     };
     struct FadeOrder {
         double from;
@@ -79,14 +81,15 @@ class Voice final : private SoundFeed::Host {
         std::variant<Opening, SeekOrder, FadeOrder, CloseOrder, ReleaseOrder, AcquireOrder>;
 
     bool isSuperseded() override;
-    std::optional<SoundFeed::Seek> takeSeek() override;
+    std::optional<TrackFeed::Seek> takeSeek() override;
     int joinRate(int sourceRate) override;
     void leaveRate() override;
+    bool raisesRate(int sourceRate) override;
 
     void give(Order order);
     void giveAnew(Order order);
     void run();
-    void step();
+    void doNext();
     std::optional<Order> nextOrder();
     void obey(const Order& order);
     void obey(const Opening& opening);
@@ -97,18 +100,18 @@ class Voice final : private SoundFeed::Host {
     RateShare& rates_;
     const std::function<void()> newsCame_;
     VoiceChannel channel_;
-    SoundFeed feed_;               // the decoder thread's
+    TrackFeed feed_;               // the decoder thread's
     unsigned reportedLength_ = 0;  // the decoder thread's: a mark's start
     unsigned lastOpening_ = 0;     // the engine's thread's
     unsigned lastSeek_ = 0;        // the engine's thread's
 
     std::mutex mutex_;  // guards all below
     std::condition_variable wake_;
-    std::condition_variable rested_;  // an order was obeyed, or frames were fed
+    std::condition_variable rested_;  // an order was obeyed
     std::deque<Order> orders_;
     std::vector<News> news_;
     bool busy_ = false;     // an order is being obeyed
-    bool canFeed_ = false;  // the feed has something open that is not at its end
+    bool canFeed_ = false;  // the feed can bring more into the ring as it stands
     bool quit_ = false;
     std::thread thread_;
 };

@@ -87,7 +87,8 @@ void VoiceChannel::mix(float* stereo, std::int64_t first, std::size_t frames, fl
         gainGoal_ = goal;
         gainStep_ = (goal - gain_) / kVolumeFrames;
     }
-    const LevelFade* fade = fade_;
+    if (fade_.take()) faded_ = 0;
+    const bool fades = fade_.value().fade.has_value();
     for (std::size_t i = 0; i < frames; ++i) {
         const std::int64_t frame = first + std::int64_t(i);
         if (gain_ != gainGoal_) {
@@ -96,7 +97,7 @@ void VoiceChannel::mix(float* stereo, std::int64_t first, std::size_t frames, fl
         }
         gate_ += gateStep;
         float gain = gate_ * gain_;
-        if (fade) gain *= fadeGain(*fade, frame);
+        if (fades) gain *= fadeGain(frame);
         const float* sample = ring_.frame(frame);
         stereo[2 * i] += gain * sample[0];
         stereo[2 * i + 1] += gain * sample[1];
@@ -105,21 +106,18 @@ void VoiceChannel::mix(float* stereo, std::int64_t first, std::size_t frames, fl
     }
 }
 
-float VoiceChannel::fadeGain(const LevelFade& fade, std::int64_t frame) {
-    if (fading_ != &fade) faded_ = 0;
-    fading_ = &fade;
+float VoiceChannel::fadeGain(std::int64_t frame) {
+    const LevelFade& fade = *fade_.value().fade;
     const float gain = fade.gainAfter(faded_);
     if (frame < fade.start) return gain;
-    if (++faded_ > fade.length && fade.to <= 0) fadedOut_ = true;
+    if (++faded_ > fade.length && fade.to <= 0) endedFade_ = fade_.value().number;
     return gain;
 }
 
 void VoiceChannel::note(std::int64_t first, std::int64_t end, const audio::output::Timing& timing) {
     const std::uint64_t number = recorded_.load(std::memory_order_relaxed);
     Record& record = records_[number % kRecords];
-    const std::int64_t now = nanoseconds(Clock::now());
-    const std::int64_t latency = std::int64_t(timing.latencyFrames) * 1'000'000'000 / timing.rate;
-    record.heardFrom = timing.clocked ? now + latency : 0;
+    record.heardFrom = nanoseconds(timing.heardFrom);
     record.first = first;
     record.end = end;
     record.rate = timing.rate;
@@ -162,15 +160,8 @@ std::int64_t VoiceChannel::level() const {
     return ring_.written() - std::max(ring_.read(), ring_.target());
 }
 
-void VoiceChannel::clearFade() {
-    fade_ = nullptr;
-    fadedOut_ = false;
-}
-
-void VoiceChannel::setFade(const LevelFade& fade) {
-    fadedOut_ = false;
-    fades_.push_back(std::make_unique<const LevelFade>(fade));
-    fade_ = fades_.back().get();
+void VoiceChannel::putFade(const std::optional<LevelFade>& fade) {
+    fade_.put({++lastFade_, fade});
 }
 
 }  // namespace player

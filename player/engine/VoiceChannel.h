@@ -6,12 +6,13 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
+#include <optional>
 #include <span>
 #include <vector>
 
 #include "audio/output/OutputDevice.h"
 #include "audio/pcm/FrameRing.h"
+#include "player/engine/Handover.h"
 
 namespace player {
 
@@ -48,7 +49,7 @@ class VoiceChannel {
     /// Silence, until the opening of this number is done.
     void announceOpening(unsigned number) { announced_ = number; }
     /// Whether a fade to silence has come to its end.
-    bool fadedOut() const { return fadedOut_; }
+    bool fadedOut() const { return endedFade_ != 0 && endedFade_ == lastFade_; }
     /// The frame of the ring that is heard now, counted in what the device has played.
     std::int64_t heard() const;
     /// The last frames heard, of both channels together, as they went into the mix.
@@ -63,9 +64,9 @@ class VoiceChannel {
     void openingDone(unsigned number) { opened_ = number; }
     /// Frames that are there and not mixed yet.
     std::int64_t level() const;
-    /// The fades that follow each other; none ends with the voice.
-    void setFade(const LevelFade& fade);
-    void clearFade();
+    /// In place of the fade before.
+    void setFade(const LevelFade& fade) { putFade(fade); }
+    void clearFade() { putFade(std::nullopt); }
 
   private:
     using Clock = std::chrono::steady_clock;
@@ -77,31 +78,35 @@ class VoiceChannel {
         std::atomic<std::int64_t> end = 0;
         std::atomic<int> rate = 0;
     };
+    struct NumberedFade {
+        unsigned number = 0;
+        std::optional<LevelFade> fade;  // none: the volume alone
+    };
     static constexpr std::size_t kRecords = 16;
-    static constexpr std::size_t kTap = 16384;
+    static constexpr std::size_t kTap = 131072;  // more than the longest buffers hold
 
+    void putFade(const std::optional<LevelFade>& fade);
     bool mayRun(int rate) const;
     std::size_t leaveOld(float* stereo, std::size_t frames, int rate);
-    float fadeGain(const LevelFade& fade, std::int64_t frame);
+    float fadeGain(std::int64_t frame);
     void mix(float* stereo, std::int64_t first, std::size_t frames, float gateStep);
     void note(std::int64_t first, std::int64_t end, const audio::output::Timing& timing);
 
     audio::pcm::FrameRing ring_;
-    std::atomic<bool> running_ = false;             // owner writes
-    std::atomic<float> volume_ = 1.0F;              // owner writes
-    std::atomic<unsigned> announced_ = 0;           // owner writes
-    std::atomic<unsigned> opened_ = 0;              // decoder writes
-    std::atomic<int> ringRate_ = 0;                 // decoder writes
-    std::atomic<bool> hardStart_ = true;            // decoder writes
-    std::atomic<unsigned> published_ = 0;           // decoder writes, after all that it publishes
-    std::atomic<const LevelFade*> fade_ = nullptr;  // decoder writes; points into fades_
-    std::vector<std::unique_ptr<const LevelFade>> fades_;  // decoder only
-    std::atomic<bool> fadedOut_ = false;                   // callback sets, decoder clears
+    std::atomic<bool> running_ = false;    // owner writes
+    std::atomic<float> volume_ = 1.0F;     // owner writes
+    std::atomic<unsigned> announced_ = 0;  // owner writes
+    std::atomic<unsigned> opened_ = 0;     // decoder writes
+    std::atomic<int> ringRate_ = 0;        // decoder writes
+    std::atomic<bool> hardStart_ = true;   // decoder writes
+    std::atomic<unsigned> published_ = 0;  // decoder writes, after all that it publishes
+    Handover<NumberedFade> fade_;          // decoder writes, callback reads
+    std::atomic<unsigned> lastFade_ = 0;   // decoder writes: the number of what it put last
+    std::atomic<unsigned> endedFade_ = 0;  // callback writes: the last that reached silence
 
     // The callback only.
-    const LevelFade* fading_ = nullptr;  // what faded_ counts for; never followed
-    std::int64_t faded_ = 0;
-    float gate_ = 0;  // 0 silent … 1 open
+    std::int64_t faded_ = 0;  // frames of fade_
+    float gate_ = 0;          // 0 silent … 1 open
     bool startHard_ = false;
     unsigned seen_ = 0;  // of published_
     int lastRate_ = 0;

@@ -44,6 +44,9 @@ class CaptureBench {
     QStringList events;
 
   private:
+    /// A device would not wait for the decoders: the one who pulls does.
+    std::vector<float> pullReady(std::size_t frames);
+
     class Device;
     /// The open device, if any. Its own thread makes and ends it.
     struct Slot {

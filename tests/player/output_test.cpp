@@ -3,6 +3,7 @@
 #include <atomic>
 #include <chrono>
 #include <memory>
+#include <thread>
 
 #include <QElapsedTimer>
 #include <gmock/gmock.h>
@@ -16,14 +17,24 @@
 namespace {
 
 using namespace Qt::Literals::StringLiterals;
+using audio::output::DeviceWish;
 using audio::output::FrameSource;
 using audio::output::NullOutput;
 using audio::output::OutputDevice;
 using audio::output::Timing;
 using support::waitUntil;
 
-std::unique_ptr<OutputDevice> noDevice(int, FrameSource&) {
+std::unique_ptr<OutputDevice> noDevice(const DeviceWish&, FrameSource&) {
     throw platform::Error("There is no device.");
+}
+
+TEST(NullClock, CountsForYears) {
+    using namespace std::chrono_literals;
+    constexpr std::int64_t hours = 24 * 365;
+    for (const int rate : {8000, 44100, 192000}) {
+        EXPECT_EQ(audio::output::durationOf(hours * 3600 * rate, rate), hours * 1h) << rate;
+        EXPECT_EQ(audio::output::durationOf(rate / 100, rate), 10ms) << rate;
+    }
 }
 
 TEST(NullClock, ATrackTakesItsTimeAndRaisesItsEvents) {
@@ -63,9 +74,10 @@ class FragileDevice final : public OutputDevice {
 
 TEST(DeviceChanges, PlaybackFollowsADeviceThatGoesAndComes) {
     const auto works = std::make_shared<std::atomic<bool>>(true);
-    const auto open = [works](int rate, FrameSource& source) -> std::unique_ptr<OutputDevice> {
+    const auto open = [works](const DeviceWish& wish,
+                              FrameSource& source) -> std::unique_ptr<OutputDevice> {
         if (!*works) throw platform::Error("There is no device.");
-        return std::make_unique<FragileDevice>(rate, source, works);
+        return std::make_unique<FragileDevice>(wish.rate, source, works);
     };
     player::PlayerEngine engine({open, player::openWithDecoder});
     engine.PlaylistInsertFile(0, support::fixturePath(u"music.wav"_s), 0);
@@ -88,7 +100,7 @@ TEST(DeviceChanges, PlaybackFollowsADeviceThatGoesAndComes) {
 
 TEST(DeviceChanges, NothingIsOpenedBeforeSomethingPlays) {
     std::atomic<int> opened = 0;
-    const auto open = [&opened](int, FrameSource&) -> std::unique_ptr<OutputDevice> {
+    const auto open = [&opened](const DeviceWish&, FrameSource&) -> std::unique_ptr<OutputDevice> {
         ++opened;
         throw platform::Error("There is no device.");
     };
@@ -98,6 +110,111 @@ TEST(DeviceChanges, NothingIsOpenedBeforeSomethingPlays) {
     EXPECT_EQ(opened, 0);
     engine.PlaySound(0);
     ASSERT_TRUE(waitUntil([&] { return opened > 0; }));
+}
+
+/// A sound system that hangs, in the call that the test names, until it is let go.
+struct HangingSystem {
+    enum Call { Nowhere, Open, Close };
+    std::atomic<Call> hangs = Nowhere;
+    std::atomic<bool> still = false;  // the device has stopped asking for sound
+    std::atomic<int> opened = 0;
+    std::atomic<int> dropOuts = 0;
+    std::atomic<int> bufferMs = 0;
+
+    void pass(Call call) const {
+        while (hangs == call) std::this_thread::yield();
+    }
+};
+
+class HangingDevice final : public OutputDevice {
+  public:
+    HangingDevice(const DeviceWish& wish, FrameSource& source,
+                  std::shared_ptr<HangingSystem> system)
+        : clock_(std::make_unique<NullOutput>(wish.rate, source)), system_(std::move(system)) {
+        system_->pass(HangingSystem::Open);
+        system_->bufferMs = int(wish.buffer.count());
+        ++system_->opened;
+    }
+    ~HangingDevice() override {
+        clock_.reset();
+        system_->pass(HangingSystem::Close);
+    }
+    void start() override { clock_->start(); }
+    int rate() const override { return clock_->rate(); }
+    std::string name() const override { return "hanging"; }
+    bool alive() const override { return !system_->still; }
+    int dropOuts() const override { return system_->opened == 1 ? system_->dropOuts.load() : 0; }
+
+  private:
+    std::unique_ptr<NullOutput> clock_;
+    std::shared_ptr<HangingSystem> system_;
+};
+
+struct Watchdog : ::testing::Test {
+    std::shared_ptr<HangingSystem> system = std::make_shared<HangingSystem>();
+    std::unique_ptr<player::PlayerEngine> engine = std::make_unique<player::PlayerEngine>(
+        player::EngineParts{[system = system](const DeviceWish& wish, FrameSource& source) {
+                                return std::make_unique<HangingDevice>(wish, source, system);
+                            },
+                            player::openWithDecoder});
+    ~Watchdog() override { system->hangs = HangingSystem::Nowhere; }
+
+    void play() {
+        engine->PlaylistInsertFile(0, support::fixturePath(u"music.wav"_s), 0);
+        engine->PlaylistPlayItem(0, 0);
+    }
+    bool outputBecomes(const QString& name) {
+        return waitUntil([&] { return engine->OutputName() == name; });
+    }
+    bool goesOn() {
+        const auto from = engine->GetPosition(0);
+        return waitUntil([&] { return engine->GetPosition(0) > from + 200; });
+    }
+};
+
+TEST_F(Watchdog, ADeviceThatStandsStillAndNeverClosesGivesWayToTheNullOutput) {
+    play();
+    ASSERT_TRUE(outputBecomes(u"hanging"_s));
+    ASSERT_TRUE(goesOn());
+    system->hangs = HangingSystem::Close;
+    system->still = true;
+    ASSERT_TRUE(outputBecomes(u"no sound device"_s));
+    EXPECT_TRUE(goesOn());
+    EXPECT_EQ(system->opened, 1) << "no second device while the first one hangs";
+    system->still = false;
+    system->hangs = HangingSystem::Nowhere;
+    EXPECT_TRUE(outputBecomes(u"hanging"_s)) << "it works again";
+    EXPECT_TRUE(goesOn());
+}
+
+TEST_F(Watchdog, ADeviceThatNeverOpensGivesWayToTheNullOutput) {
+    system->hangs = HangingSystem::Open;
+    play();
+    ASSERT_TRUE(outputBecomes(u"no sound device"_s));
+    EXPECT_TRUE(goesOn());
+    system->hangs = HangingSystem::Nowhere;
+    EXPECT_TRUE(outputBecomes(u"hanging"_s));
+}
+
+TEST_F(Watchdog, TheEndWaitsForNoDevice) {
+    play();
+    ASSERT_TRUE(outputBecomes(u"hanging"_s));
+    system->hangs = HangingSystem::Close;
+    QElapsedTimer time;
+    time.start();
+    engine.reset();
+    EXPECT_LT(time.elapsed(), 10000);
+    EXPECT_EQ(system->hangs, HangingSystem::Close) << "it still hangs";
+}
+
+TEST_F(Watchdog, DropOutsLengthenTheBuffer) {
+    play();
+    ASSERT_TRUE(outputBecomes(u"hanging"_s));
+    EXPECT_EQ(system->bufferMs, 90);
+    system->dropOuts = 3;
+    EXPECT_TRUE(waitUntil([&] { return system->opened == 2; }));
+    EXPECT_EQ(system->bufferMs, 180);
+    EXPECT_TRUE(goesOn());
 }
 
 }  // namespace

@@ -8,7 +8,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "audio/read/Decoder.h"
+#include "platform/Paths.h"
+#include "player/engine/RateShare.h"
 #include "tests/player/CaptureBench.h"
+#include "tests/support/Fixtures.h"
 #include "tests/support/TempFolder.h"
 
 namespace {
@@ -29,6 +33,14 @@ std::vector<float> joined(const std::vector<std::vector<float>>& parts) {
     std::vector<float> all;
     for (const auto& part : parts) all.insert(all.end(), part.begin(), part.end());
     return all;
+}
+
+/// Two seconds of stereo.
+void makeTone(const QString& path, const QString& rate) {
+    const Outcome made = run(u"ffmpeg"_s, {u"-v"_s, u"error"_s, u"-f"_s, u"lavfi"_s, u"-i"_s,
+                                           u"sine=440:r="_s + rate + u":d=2"_s, u"-af"_s,
+                                           u"volume=12dB"_s, u"-ac"_s, u"2"_s, path});
+    EXPECT_EQ(made.exitCode, 0) << made.err.toStdString();
 }
 
 class WholeFile : public ::testing::TestWithParam<const char*> {};
@@ -90,14 +102,82 @@ TEST(Gapless, AnotherRateIsBroughtToTheFirstOnesWithoutAGap) {
     EXPECT_GT(snrDb(once, again), 60.0);
 }
 
-TEST(Gapless, TheDeviceTakesTheRateOfTheEntryThatPlaybackBeginsWith) {
-    CaptureBench bench(QStringList{u"tone-48k.wav"_s, u"tone-22k.mp3"_s});
+/// Plays sounds that are begun with one after the other, and takes a little of each at its rate.
+void playEach(const std::vector<std::pair<QString, int>>& sounds) {
+    CaptureBench bench;
+    for (const auto& [name, rate] : sounds) {
+        bench.engine().LoadSound(0, fixturePath(name));
+        bench.engine().PlaySound(0);
+        const auto block = bench.pull(20000, rate);
+        const audio::read::Decoder decoder(fixture(name.toStdString()));
+        if (decoder.format().sampleRate == rate) {
+            EXPECT_EQ(maxDifference(block, cut(decoded(name), 0, 20000)), 0.0);
+        }
+        EXPECT_GT(peak(block), 0.05) << name.toStdString();
+        bench.engine().StopPlayer(0);
+        bench.pull(1000, rate);
+    }
+}
+
+TEST(DeviceRate, IsOfTheFirstSoundsFamilyAndNothingLowersIt) {
+    playEach({{u"tone-22k.mp3"_s, 44100},
+              {u"tone.wav"_s, 44100},
+              {u"tone-48k.wav"_s, 48000},
+              {u"tone.wav"_s, 48000},
+              {u"tone-22k.mp3"_s, 48000}});
+    playEach({{u"tone-48k.wav"_s, 48000}, {u"tone-22k.mp3"_s, 48000}});
+}
+
+TEST(DeviceRate, FollowsASoundThatIsHigher) {
+    for (const auto& [source, device] : std::vector<std::pair<int, int>>{{8000, 48000},
+                                                                         {11025, 44100},
+                                                                         {16000, 48000},
+                                                                         {22050, 44100},
+                                                                         {32000, 48000},
+                                                                         {37800, 48000},
+                                                                         {44100, 44100},
+                                                                         {48000, 48000},
+                                                                         {50000, 88200},
+                                                                         {88200, 88200},
+                                                                         {96000, 96000},
+                                                                         {176400, 176400},
+                                                                         {192000, 192000},
+                                                                         {352800, 176400},
+                                                                         {384000, 192000}})
+        EXPECT_EQ(player::deviceRateFor(source), device) << source;
+}
+
+TEST(Gapless, AHigherRateAtAJoinRaisesTheDevicesAndLosesNoFrame) {
+    const TempFolder folder;
+    const QString high = folder.file(u"high.wav"_s);
+    makeTone(high, u"96000"_s);
+    CaptureBench bench(QStringList{u"tone.wav"_s, high, u"tone.wav"_s});
     bench.engine().PlaylistPlayItem(0, 0);
-    const auto expected = decoded(u"tone-48k.wav"_s);
-    EXPECT_EQ(maxDifference(bench.pull(20000, 48000), cut(expected, 0, 20000)), 0.0);
-    bench.engine().PlaylistPlayItem(0, 1);
-    EXPECT_EQ(maxDifference(bench.pull(20000, 22050), cut(decoded(u"tone-22k.mp3"_s), 0, 20000)),
+    EXPECT_EQ(maxDifference(bench.pull(88200), decoded(u"tone.wav"_s)), 0.0);
+    const auto second = decodeWithFfmpeg(platform::toPath(high));
+    ASSERT_EQ(second.frames(), 192000U);
+    EXPECT_EQ(maxDifference(bench.pull(192000, 96000), second.samples), 0.0);
+    const auto third = bench.pullUntil(u"ended 0 2"_s, 96000);
+    EXPECT_GT(peak(cut(third, 0, 192000)), 0.1);
+    EXPECT_EQ(peak(cut(third, 192000, third.size())), 0.0);
+    EXPECT_EQ(bench.events.filter(u"now"_s),
+              (QStringList{u"now 0 0"_s, u"now 0 1"_s, u"now 0 2"_s}));
+}
+
+TEST(Gapless, ASeekBackWhileTheRateIsAboutToRise) {
+    const TempFolder folder;
+    const QString high = folder.file(u"high.wav"_s);
+    makeTone(high, u"96000"_s);
+    CaptureBench bench(QStringList{u"tone.wav"_s, high});
+    bench.engine().PlaylistPlayItem(0, 0);
+    bench.pull(86000);
+    bench.engine().SeekMs(0, 500);
+    const auto block = bench.pull(4096);
+    EXPECT_EQ(maxDifference(cut(block, 2 * kRamp, 3000),
+                            cut(decoded(u"tone.wav"_s), 22050 + kRamp, 3000)),
               0.0);
+    bench.pull(88200 - 22050 - (4096 - kRamp));
+    EXPECT_GT(peak(bench.pull(20000, 96000)), 0.1);
 }
 
 TEST(Pause, HoldsTheExactFrameAndClicksNot) {
@@ -314,6 +394,45 @@ TEST(Overlay, OneFadesOutWhileTheOtherFadesIn) {
     engine.StopPlayer(0);
     EXPECT_EQ(engine.GetPlayerStatus(1), player::StatusStopped);
     EXPECT_EQ(peak(cut(bench.pull(2048), kRamp, 1000)), 0.0);
+}
+
+/// An overlay under way: both players sound.
+struct OverlayOn {
+    CaptureBench bench{QStringList{u"music.wav"_s, u"music.mp3"_s}};
+    player::PlayerEngine& engine = bench.engine();
+    explicit OverlayOn(int fadeMs) {
+        engine.PlaylistPlayItem(0, 0);
+        engine.SeekMs(0, 1000);
+        engine.FadePlayer(0, 99, 0, fadeMs);
+        engine.LoadSound(1, fixturePath(u"tone.wav"_s));
+        engine.FadePlayer(1, 0, 99, 1000);
+        bench.pull(4096);
+        EXPECT_EQ(engine.GetPlayerStatus(1), player::StatusPlaying);
+    }
+};
+
+TEST(Overlay, PlayNextAndPreviousEndIt) {
+    for (const int command : {0, 1}) {
+        OverlayOn overlay(10000);
+        if (command == 0) overlay.engine.PlaylistPlayItem(0, 1);
+        if (command == 1) overlay.engine.PlaylistNext(0);
+        overlay.bench.pullUntil(u"now 0 1"_s);
+        EXPECT_EQ(overlay.engine.GetPlayerStatus(1), player::StatusStopped) << command;
+        EXPECT_EQ(overlay.engine.GetPlayerStatus(0), player::StatusPlaying) << command;
+    }
+}
+
+TEST(Overlay, NextAfterTheFadePlaysTheNeighbourAlone) {
+    OverlayOn overlay(100);
+    ASSERT_TRUE(waitUntil([&] {
+        overlay.bench.pull(2048);
+        return overlay.engine.GetPlayerStatus(0) == player::StatusStopped;
+    }));
+    EXPECT_EQ(overlay.engine.GetPlayerStatus(1), player::StatusPlaying);
+    overlay.engine.PlaylistNext(0);
+    overlay.bench.pullUntil(u"now 0 1"_s);
+    EXPECT_EQ(overlay.engine.GetPlayerStatus(1), player::StatusStopped);
+    EXPECT_EQ(overlay.engine.GetPlayerStatus(0), player::StatusPlaying);
 }
 
 TEST(Displays, PeaksAndSpectrumOfWhatIsHeard) {

@@ -2,8 +2,11 @@
 // What the player does with commands: events, skipping, edits while it plays, files let go of.
 #include <atomic>
 #include <filesystem>
+#include <memory>
+#include <thread>
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -85,6 +88,73 @@ TEST(Skipping, TwentyThousandMissingFilesHoldNobodyUp) {
     EXPECT_EQ(maxDifference(bench.pull(3000), cut(decoded(u"tone.wav"_s), 0, 3000)), 0.0);
     bench.engine().PlaylistPlayItem(0, 0);
     EXPECT_TRUE(waitUntil([&] { return bench.events.count(u"started 0"_s) == 2; }));
+}
+
+/// Missing entries around one that plays.
+struct AmongMissing {
+    CaptureBench bench{QStringList{u"/none/a.mp3"_s, u"music.wav"_s, u"/none/b.mp3"_s}};
+    std::vector<float> expected = decoded(u"music.wav"_s);
+    std::size_t heard = 0;
+
+    AmongMissing() {
+        bench.engine().PlaylistPlayItem(0, 1);
+        eventsAfter(bench, 2);
+        bench.events.clear();
+        bench.engine().SeekMs(0, 1000);
+        bench.pull(4096);
+        heard = 44100 + 4096 - 128;  // the ramp of the seek was of the old place
+    }
+    /// What is pulled next follows what was heard, sample by sample.
+    void expectItGoesOn(std::size_t frames) {
+        EXPECT_EQ(maxDifference(bench.pull(frames), cut(expected, heard, frames)), 0.0);
+        heard += frames;
+    }
+};
+
+TEST(Skipping, NextAndPreviousAmongMissingEntriesLeaveTheSoundPlaying) {
+    AmongMissing deck;
+    auto& engine = deck.bench.engine();
+    engine.PlaylistNext(0);
+    deck.expectItGoesOn(5000);
+    engine.PlaylistPrevious(0);
+    deck.expectItGoesOn(5000);
+    engine.PlaylistNext(0);
+    engine.PlaylistNext(0);
+    deck.expectItGoesOn(5000);
+    EXPECT_EQ(engine.GetPlayerStatus(0), player::StatusPlaying);
+    EXPECT_EQ(engine.PlaylistNowPlaying(0), 1);
+    EXPECT_TRUE(deck.bench.events.isEmpty()) << deck.bench.events.join(u", "_s).toStdString();
+    engine.PausePlayer(0);
+    engine.PlaylistNext(0);
+    deck.bench.pull(1000);
+    EXPECT_EQ(engine.GetPlayerStatus(0), player::StatusPaused);
+}
+
+TEST(Skipping, TwoStepsInARowGoTwoEntriesFar) {
+    CaptureBench bench(QStringList{u"tone.wav"_s, u"tone.mp3"_s, u"tone.ogg"_s});
+    bench.engine().PlaylistPlayItem(0, 0);
+    eventsAfter(bench, 2);
+    bench.events.clear();
+    bench.engine().PlaylistNext(0);
+    bench.engine().PlaylistNext(0);
+    EXPECT_THAT(eventsAfter(bench, 2), ElementsAre(u"started 0"_s, u"now 0 2"_s));
+}
+
+TEST(Transport, WhatIsTakenOffTheListWhileStoppedIsOnTheDeckNoMore) {
+    CaptureBench bench(QStringList{u"tone.wav"_s, u"tone.mp3"_s});
+    auto& engine = bench.engine();
+    engine.PlaylistPlayItem(0, 0);
+    bench.pull(30000);
+    engine.StopPlayer(0);
+    EXPECT_EQ(engine.LengthMs(0), 2000);
+    engine.PlaylistRemoveItem(0, 1);
+    EXPECT_EQ(engine.GetPosition(0), 0) << "the other entry is no matter";
+    engine.PlaylistRemoveItem(0, 0);
+    EXPECT_EQ(engine.GetPosition(0), -1);
+    EXPECT_EQ(engine.LengthMs(0), -1);
+    EXPECT_EQ(engine.Peaks(0), nullptr);
+    engine.PlaySound(0);
+    EXPECT_EQ(engine.GetPlayerStatus(0), player::StatusStopped);
 }
 
 TEST(Transport, EmptyListWrongIndexAndWrongPlayerDoNothing) {
@@ -189,6 +259,69 @@ TEST(Release, TheFileMayBeReplacedWhileItPlays) {
     EXPECT_EQ(maxDifference(rest, cut(expected, 2000, 86200)), 0.0);
 }
 
+TEST(Release, AFileWrittenOverHasItsNewLengthAndPeaks) {
+    const TempFolder folder;
+    const auto copy = scratchCopy("tone.wav", folder.path());
+    const QString path = platform::toQString(copy);
+    CaptureBench bench(QStringList{path});
+    auto& engine = bench.engine();
+    engine.PlaylistPlayItem(0, 0);
+    bench.pull(2000);
+    engine.StopPlayer(0);
+    ASSERT_TRUE(waitUntil([&] { return engine.Peaks(0) && engine.Peaks(0)->measured == 1.0; }));
+    const auto before = engine.Peaks(0);
+    EXPECT_EQ(engine.LengthMs(0), 2000);
+    int changes = 0;
+    QObject::connect(&engine, &player::PlayerEngine::PeaksChanged, [&](int) { ++changes; });
+    {
+        const player::FileRelease release(engine, path);
+        std::filesystem::remove(copy);
+        std::filesystem::copy(fixture("music.wav"), copy);
+    }
+    EXPECT_TRUE(waitUntil([&] { return engine.LengthMs(0) == 20000; })) << engine.LengthMs(0);
+    EXPECT_TRUE(waitUntil([&] { return changes > 0; }));
+    EXPECT_TRUE(waitUntil([&] { return engine.Peaks(0) && engine.Peaks(0)->measured == 1.0; }));
+    EXPECT_NE(engine.Peaks(0)->columns[1000].high, before->columns[1000].high);
+}
+
+/// A file that keeps whoever reads it waiting until the test lets go.
+class Stuck final : public player::SoundSource {
+  public:
+    explicit Stuck(std::shared_ptr<std::atomic<bool>> stuck) : stuck_(std::move(stuck)) {}
+    int rate() const override { return 44100; }
+    int channels() const override { return 2; }
+    std::int64_t position() const override { return position_; }
+    std::int64_t frames() override { return 44100 * 600; }
+    std::size_t read(float* interleaved, std::size_t frames) override {
+        while (*stuck_) std::this_thread::yield();
+        std::fill_n(interleaved, 2 * frames, 0.25F);
+        position_ += std::int64_t(frames);
+        return frames;
+    }
+    void seek(std::int64_t frame) override { position_ = frame; }
+
+  private:
+    std::shared_ptr<std::atomic<bool>> stuck_;
+    std::int64_t position_ = 0;
+};
+
+TEST(Release, ADecoderThatHangsHoldsNobodyUp) {
+    const auto stuck = std::make_shared<std::atomic<bool>>(false);
+    CaptureBench bench([stuck](const QString&) { return std::make_unique<Stuck>(stuck); });
+    bench.list({u"/a.wav"_s});
+    auto& engine = bench.engine();
+    engine.PlaylistPlayItem(0, 0);
+    bench.pull(2000);
+    *stuck = true;
+    engine.Peaks(0);
+    engine.SeekMs(0, 5000);
+    QElapsedTimer time;
+    time.start();
+    { const player::FileRelease release(engine, u"/a.wav"_s); }
+    EXPECT_LT(time.elapsed(), 1000);
+    *stuck = false;
+}
+
 TEST(Release, AFileThatIsGoneAfterwardsEndsQuietly) {
     const TempFolder folder;
     const QString path = platform::toQString(scratchCopy("music.wav", folder.path()));
@@ -290,12 +423,13 @@ TEST(Commands, InAnyOrderAndAnyHurry) {
     engine.SetVolume(0, 99);
     EXPECT_EQ(engine.PlaylistGetCount(0), 5);
     // After all that, a track still comes through as it is.
-    bench.list({u"tone.wav"_s});
+    bench.list({u"tone-48k.wav"_s});
     engine.PlaylistPlayItem(0, 5);
-    auto all = bench.pull(3000);
-    const auto more = bench.pull(3000);
+    auto all = bench.pull(3000, 48000);
+    const auto more = bench.pull(3000, 48000);
     all.insert(all.end(), more.begin(), more.end());
-    EXPECT_EQ(maxDifference(cut(all, 2048, 3000), cut(decoded(u"tone.wav"_s), 2048, 3000)), 0.0);
+    const auto expected = decoded(u"tone-48k.wav"_s);
+    EXPECT_EQ(maxDifference(cut(all, 2048, 3000), cut(expected, 2048, 3000)), 0.0);
 }
 
 }  // namespace

@@ -44,11 +44,12 @@ struct Opening {
     EntryId id = 0;  ///< 0: path alone, which no entry follows
     QString path;
     int direction = 1;  ///< where to look on if it cannot be played
+    bool step = false;  ///< what is on goes on until that is found, and where nothing is
 };
 
 /// Decodes one entry after the other, without a gap, into a voice's ring, and keeps account of what
 /// lies where in it. The decoder thread's, all but markAt().
-class SoundFeed {
+class TrackFeed {
   public:
     struct Seek {
         SeekTarget target;
@@ -66,12 +67,15 @@ class SoundFeed {
         /// The rate of the ring for a sound that is begun with; and that there is none any more.
         virtual int joinRate(int sourceRate) = 0;
         virtual void leaveRate() = 0;
+        /// Whether the ring's rate is to be raised for a sound that follows.
+        virtual bool raisesRate(int sourceRate) = 0;
     };
 
-    SoundFeed(VoiceChannel& channel, const Playlist& playlist, OpenSound openSound, Host& host);
+    TrackFeed(VoiceChannel& channel, const Playlist& playlist, OpenSound openSound, Host& host);
 
     /// Opens the first playable entry from this one on and makes it what is mixed next. False where
-    /// nothing can be played (the ring falls silent then), or another opening waits.
+    /// nothing can be played (the ring falls silent then, but for a step), or another opening
+    /// waits.
     bool open(const Opening& opening);
     /// Goes on at another place of what the mark belongs to.
     void seek(const Mark& heard, const Seek& seek);
@@ -86,8 +90,12 @@ class SoundFeed {
     bool hungry() const;
     /// Moves some frames into the ring; at the end of one entry goes on with the next.
     void feed();
-    bool isOpen() const { return bool(source_); }
+    bool isOpen() const { return source_ || raises_; }
     bool atEnd() const { return atEnd_; }
+    /// Whether feed() can bring frames into a ring that has room.
+    bool canFeed() const { return source_ ? !atEnd_ : raises_ && outputDone_ < output_.size(); }
+    /// Whether an entry of a higher rate begins once the ring has been played.
+    bool drains() const { return bool(raises_); }
     /// Finds out the length of what is open where that is unknown; true where it is news.
     bool learnLength();
     /// What is open: the mark made last.
@@ -104,8 +112,10 @@ class SoundFeed {
     };
 
     std::unique_ptr<SoundSource> tryOpen(const QString& path) const;
-    std::optional<Track> openFrom(Track track, int direction);
+    std::optional<Track> openFrom(Track track, int direction, bool feeding);
+    void clear();
     void adopt(Track track, unsigned start);
+    void raise();
     bool backTo(const Mark& heard);
     std::optional<Track> takeNext();
     void prepareNext();
@@ -139,6 +149,8 @@ class SoundFeed {
     std::optional<std::int64_t> released_;  // the frame to go on with, while the file is released
     Track next_;                            // opened ahead
     EntryId triedNext_ = 0;
+    std::optional<Track> raises_;  // begins at a higher rate of the ring, once that is played
+    QString held_;                 // a released file: it is not opened ahead
 
     unsigned opening_ = 0;
     unsigned start_ = 0;
