@@ -97,6 +97,7 @@ class frmMain : public QWidget {
     // frmMain_keys.cpp
     void connectShortcuts();
     void connectMediaKeys();
+    void openAndPlay(const QString& path);
 
     // frmMain_menus.cpp
     void buildMenus();

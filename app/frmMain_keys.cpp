@@ -10,6 +10,7 @@
 #include "app/mediakeys/MediaKeys.h"
 #include "player/deck/Deck.h"
 #include "ui_frmMain.h"
+#include "widgets/ListView.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -44,9 +45,21 @@ void frmMain::connectShortcuts() {
 }
 
 void frmMain::connectMediaKeys() {
-    mediaKeys_ = attachMediaKeys({*this, *PlayerEngine1, *deck_, *ui_->CommandPlay1,
-                                  *ui_->CommandPause1, *ui_->CommandStop1, *ui_->CommandNext1,
-                                  *ui_->CommandPrev1, *ui_->Slider1, *ui_->SliderVolume1});
+    mediaKeys_ =
+        attachMediaKeys({*this, *PlayerEngine1, *deck_, *ui_->CommandPlay1, *ui_->CommandPause1,
+                         *ui_->CommandStop1, *ui_->CommandNext1, *ui_->CommandPrev1, *ui_->Slider1,
+                         *ui_->SliderVolume1, [this](const QString& path) { openAndPlay(path); }});
+}
+
+// A file comes behind the others, a list in their place.
+void frmMain::openAndPlay(const QString& path) {
+    if (deck_->locked()) ui_->CommandStop1->click();
+    const int before = ui_->ListView1->rowCount();
+    openPaths({path});
+    const int rows = ui_->ListView1->rowCount();
+    if (rows == 0) return;
+    ui_->ListView1->selectRow(rows > before ? rows : 1);
+    ui_->CommandPlay1->click();
 }
 
 // Only keys that the control with the focus had no use for come here: a space pressed on a button

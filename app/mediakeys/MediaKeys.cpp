@@ -17,6 +17,7 @@
 #include <QTimer>
 
 #include "app/mediakeys/MediaPlayer2.h"
+#include "app/mediakeys/NowOnDeck.h"
 #include "player/engine/PlayerEngine.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -27,6 +28,7 @@ namespace {
 constexpr QLatin1StringView objectPath("/org/mpris/MediaPlayer2");
 constexpr QLatin1StringView serviceName("org.mpris.MediaPlayer2.tracksmith");
 constexpr std::chrono::milliseconds lookAgain{500};
+constexpr std::chrono::milliseconds farewell{1000};
 constexpr qlonglong jump = 1'000'000;  // microseconds; less is the ticking of two clocks
 
 // Without an address the library would start a bus, or wait for one.
@@ -45,7 +47,7 @@ QDBusMessage askBus(const QString& method) {
 class MediaKeys : public QObject {
   public:
     explicit MediaKeys(const MediaControls& controls)
-        : program_(this, controls), deck_(this, controls) {
+        : now_([this] { tellChanges(); }), program_(this, controls), deck_(this, controls, now_) {
         for (const QAbstractButton* button : {&controls.play, &controls.pause, &controls.stop})
             connect(button, &QAbstractButton::clicked, this, [this] { tellChanges(); });
         using player::PlayerEngine;
@@ -55,26 +57,31 @@ class MediaKeys : public QObject {
         follow(&PlayerEngine::PlaybackStarted);
         follow(&PlayerEngine::NowPlayingChanged);
         follow(&PlayerEngine::PlaybackEnded);
+        // A seek that was told is no jump to be told again.
+        connect(&deck_, &MediaPlayer2Player::Seeked, this, [this](qlonglong position) {
+            sinceTick_.start();
+            position_ = position;
+        });
         ticking_.setInterval(lookAgain);
         connect(&ticking_, &QTimer::timeout, this, &MediaKeys::tick);
         connectToBus();
     }
     ~MediaKeys() override {
-        if (name_.isEmpty()) return;
-        QDBusConnection::sessionBus().send(askBus(u"ReleaseName"_s) << name_);
+        if (connecting_ && !connecting_->wait(farewell)) connecting_.release();
+        if (!name_.isEmpty()) QDBusConnection::sessionBus().send(askBus(u"ReleaseName"_s) << name_);
     }
     Q_DISABLE_COPY_MOVE(MediaKeys)
 
   private:
-    // A bus that answers slowly keeps this thread waiting, and nobody else.
+    // A bus that answers slowly keeps this thread waiting, and nobody else; one that has not
+    // answered when the program ends is left behind with it.
     void connectToBus() {
-        QThread* connecting = QThread::create([] { QDBusConnection::sessionBus(); });
-        connect(connecting, &QThread::finished, this, [this] {
+        connecting_.reset(QThread::create([] { QDBusConnection::sessionBus(); }));
+        connect(connecting_.get(), &QThread::finished, this, [this] {
             QDBusConnection bus = QDBusConnection::sessionBus();
             if (bus.isConnected() && bus.registerObject(objectPath, this)) claim(serviceName);
         });
-        connect(connecting, &QThread::finished, connecting, &QObject::deleteLater);
-        connecting->start();
+        connecting_->start();
     }
 
     void claim(const QString& name) {
@@ -129,15 +136,19 @@ class MediaKeys : public QObject {
     // What the user moves in the window is told here.
     void tick() {
         tellChanges();
+        const qlonglong position = deck_.position();
         const bool plays = deck_.playbackStatus() == u"Playing";
         const qlonglong passed = plays ? sinceTick_.nsecsElapsed() / 1000 : 0;
-        const bool jumped = std::abs(deck_.position() - position_ - passed) > jump;
-        if (jumped && deck_.track() == track_) Q_EMIT deck_.Seeked(deck_.position());
+        const bool jumped = std::abs(position - position_ - passed) > jump;
+        const bool stays = deck_.track() == track_ && deck_.canSeek();
+        if (jumped && stays) Q_EMIT deck_.Seeked(position);
         sinceTick_.start();
-        position_ = deck_.position();
+        position_ = position;
         track_ = deck_.track();
     }
 
+    std::unique_ptr<QThread> connecting_;
+    NowOnDeck now_;
     MediaPlayer2 program_;
     MediaPlayer2Player deck_;
     QString name_;  // on the bus; empty = not there

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <functional>
 #include <memory>
 
 #include <QObject>
+#include <QString>
 
 class QAbstractButton;
 class QWidget;
@@ -29,6 +31,7 @@ struct MediaControls {
     QAbstractButton& previous;
     widgets::SkinSlider& position;
     widgets::SkinSlider& volume;
+    std::function<void(const QString& path)> open;  ///< adds a local file and plays it
 };
 
 /// Lets the desktop's media keys and panels work the deck as long as the answer lives, which all

@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QUrl>
 
+#include "app/mediakeys/NowOnDeck.h"
 #include "lists/ListReader.h"
 #include "player/deck/Deck.h"
 #include "player/engine/PlayerEngine.h"
@@ -42,6 +43,12 @@ void MediaPlayer2::Raise() {
 void MediaPlayer2::Quit() {
     if (!reachable(controls_.window)) return;
     QMetaObject::invokeMethod(&controls_.window, &QWidget::close, Qt::QueuedConnection);
+}
+
+QStringList MediaPlayer2::mimeTypes() const {
+    return {u"audio/mpeg"_s,         u"audio/mp4"_s,       u"audio/ogg"_s,      u"audio/opus"_s,
+            u"audio/flac"_s,         u"audio/x-wav"_s,     u"audio/x-vorbis"_s, u"audio/x-ms-wma"_s,
+            u"audio/x-vorbis+ogg"_s, u"audio/x-mpegurl"_s, u"audio/x-scpls"_s};
 }
 
 int MediaPlayer2Player::entry() const {
@@ -85,6 +92,7 @@ QVariantMap MediaPlayer2Player::metadata() const {
     data[u"xesam:title"_s] = title.isEmpty() ? about(player::ItemInfoName) : title;
     data[u"xesam:url"_s] = QString::fromLatin1(url.toEncoded());
     if (length() > 0) data[u"mpris:length"_s] = length();
+    now_.addTo(data, path);
     return data;
 }
 
@@ -100,7 +108,8 @@ void MediaPlayer2Player::setVolume(double volume) {
 }
 
 qlonglong MediaPlayer2Player::position() const {
-    return entry() < 0 ? 0 : std::max<qlonglong>(0, controls_.deck.PositionMs()) * microsecondsInMs;
+    return entry() < 0 ? 0
+                       : std::max<qlonglong>(0, controls_.engine.PositionMs(0)) * microsecondsInMs;
 }
 
 bool MediaPlayer2Player::canGoNext() const {
@@ -121,7 +130,11 @@ bool MediaPlayer2Player::canPause() const {
 }
 
 bool MediaPlayer2Player::canSeek() const {
-    return reachable(controls_.position) && length() > 0;
+    return reachable(controls_.position) && status() != player::StatusStopped && length() > 0;
+}
+
+void MediaPlayer2Player::setRate(double rate) {
+    if (rate == 0) Pause();
 }
 
 void MediaPlayer2Player::Play() {
@@ -164,6 +177,14 @@ void MediaPlayer2Player::SetPosition(const QDBusObjectPath& track, qlonglong pos
 void MediaPlayer2Player::seekTo(qlonglong position) {
     controls_.deck.SeekToMs(position / microsecondsInMs);
     Q_EMIT Seeked(this->position());
+}
+
+// What plays gives way, as it does to a click on Stop; the list keeps what it has.
+void MediaPlayer2Player::OpenUri(const QString& uri) {
+    const QUrl url(uri, QUrl::StrictMode);
+    if (!url.isLocalFile() || !reachable(controls_.window) || !reachable(controls_.stop)) return;
+    QMetaObject::invokeMethod(
+        this, [this, path = url.toLocalFile()] { controls_.open(path); }, Qt::QueuedConnection);
 }
 
 }  // namespace app

@@ -23,8 +23,8 @@ class MediaPlayer2 : public QDBusAbstractAdaptor {
     Q_PROPERTY(bool HasTrackList READ no)
     Q_PROPERTY(QString Identity READ identity)
     Q_PROPERTY(QString DesktopEntry READ desktopEntry)
-    Q_PROPERTY(QStringList SupportedUriSchemes READ none)
-    Q_PROPERTY(QStringList SupportedMimeTypes READ none)
+    Q_PROPERTY(QStringList SupportedUriSchemes READ uriSchemes)
+    Q_PROPERTY(QStringList SupportedMimeTypes READ mimeTypes)
 
   public:
     MediaPlayer2(QObject* parent, const MediaControls& controls)
@@ -34,7 +34,8 @@ class MediaPlayer2 : public QDBusAbstractAdaptor {
     bool no() const { return false; }
     QString identity() const { return platform::programTitle(); }
     QString desktopEntry() const { return platform::programName(); }
-    QStringList none() const { return {}; }
+    QStringList uriSchemes() const { return {QStringLiteral("file")}; }
+    QStringList mimeTypes() const;
 
   public Q_SLOTS:
     void Raise();
@@ -44,12 +45,14 @@ class MediaPlayer2 : public QDBusAbstractAdaptor {
     MediaControls controls_;
 };
 
+class NowOnDeck;
+
 /// The deck.
 class MediaPlayer2Player : public QDBusAbstractAdaptor {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.mpris.MediaPlayer2.Player")
     Q_PROPERTY(QString PlaybackStatus READ playbackStatus)
-    Q_PROPERTY(double Rate READ rate)
+    Q_PROPERTY(double Rate READ rate WRITE setRate)
     Q_PROPERTY(double MinimumRate READ rate)
     Q_PROPERTY(double MaximumRate READ rate)
     Q_PROPERTY(QVariantMap Metadata READ metadata)
@@ -63,11 +66,12 @@ class MediaPlayer2Player : public QDBusAbstractAdaptor {
     Q_PROPERTY(bool CanControl READ canControl)
 
   public:
-    MediaPlayer2Player(QObject* parent, const MediaControls& controls)
-        : QDBusAbstractAdaptor(parent), controls_(controls) {}
+    MediaPlayer2Player(QObject* parent, const MediaControls& controls, NowOnDeck& now)
+        : QDBusAbstractAdaptor(parent), controls_(controls), now_(now) {}
 
     QString playbackStatus() const;
     double rate() const { return 1; }
+    void setRate(double rate);  ///< 0 is a pause; the deck knows no other rate than 1
     QVariantMap metadata() const;
     double volume() const;  ///< 0 to 1
     void setVolume(double volume);
@@ -91,6 +95,7 @@ class MediaPlayer2Player : public QDBusAbstractAdaptor {
     void Previous();
     void Seek(qlonglong offset);
     void SetPosition(const QDBusObjectPath& track, qlonglong position);
+    void OpenUri(const QString& uri);
 
   Q_SIGNALS:
     void Seeked(qlonglong position);
@@ -102,6 +107,7 @@ class MediaPlayer2Player : public QDBusAbstractAdaptor {
     void seekTo(qlonglong position);
 
     MediaControls controls_;
+    NowOnDeck& now_;
 };
 
 }  // namespace app

@@ -7,6 +7,7 @@ import subprocess
 import sys
 import tempfile
 import time
+import urllib.parse
 
 import mutagen.id3
 from gi.repository import Gio, GLib
@@ -15,6 +16,7 @@ NAME = "org.mpris.MediaPlayer2.tracksmith"
 PLAYER = "org.mpris.MediaPlayer2.Player"
 PROPERTIES = "org.freedesktop.DBus.Properties"
 TITLE = "Tön – 音"
+COVER = b"\x89PNG\r\n\x1a\n" + bytes(range(256)) * 8
 BUS = Gio.bus_get_sync(Gio.BusType.SESSION)
 
 
@@ -47,7 +49,7 @@ def owned(name):
 
 
 def press(method, *arguments):
-    signature = {"Seek": "(x)", "SetPosition": "(ox)"}.get(method)
+    signature = {"Seek": "(x)", "SetPosition": "(ox)", "OpenUri": "(s)"}.get(method)
     call(NAME, PLAYER, method, GLib.Variant(signature, arguments) if signature else None)
 
 
@@ -97,6 +99,12 @@ def plays_and_moves_on(songs):
     data = get("Metadata")
     expect(data["xesam:url"] == songs[0].as_uri(), f"the address is that of the file, {data}")
     expect(abs(data["mpris:length"] - 20_000_000) < 200_000, f"the length is 20 s, {data}")
+    wait_for(lambda: "mpris:artUrl" in heard.told.get("Metadata", {}), "the cover is told")
+    data = get("Metadata")
+    expect(data["xesam:artist"] == ["Eine", "Zweite"] and data["xesam:album"] == "Ålbum",
+           f"artists and album are told, {data}")
+    cover = urllib.parse.unquote(urllib.parse.urlparse(data["mpris:artUrl"]).path)
+    expect(pathlib.Path(cover).read_bytes() == COVER, "the cover is the file's")
     expect(not get("CanGoPrevious") and get("CanGoNext"), "the first entry has a next one only")
     wait_for(lambda: get("Position") > 0, "the position moves")
     press("Next")
@@ -114,6 +122,10 @@ def pauses_and_seeks():
     press("SetPosition", track, 10_000_000)
     wait_for(lambda: heard.seeks, "Seeked is told")
     expect(abs(get("Position") - 10_000_000) < 50_000, "SetPosition goes to the place")
+    for volume in (0.8, 0.9):  # what moves in the window is told by its clock, jumps among it
+        put("Volume", GLib.Variant("d", volume))
+        wait_for(lambda: abs(heard.told.get("Volume", 1) - volume) < 0.01, "the clock ticks")
+    expect(len(heard.seeks) == 1, f"one seek is told once, not {heard.seeks}")
     press("SetPosition", "/org/tracksmith/track/99", 1_000_000)
     press("SetPosition", track, 30_000_000)
     expect(abs(get("Position") - 10_000_000) < 50_000, "another track's place changes nothing")
@@ -132,8 +144,25 @@ def pauses_and_seeks():
     wait_for(lambda: get("Metadata")["mpris:trackid"] != track, "a seek past the end is Next")
     press("Stop")
     heard.status("Stopped")
+    expect(not get("CanSeek"), "what is stopped cannot be sought in")
     press("Play")
     heard.status("Playing")
+    wait_for(lambda: get("CanSeek"), "what plays can be sought in")
+    put("Rate", GLib.Variant("d", 1.0))
+    put("Rate", GLib.Variant("d", 2.0))
+    expect(get("Rate") == 1 and get("PlaybackStatus") == "Playing", "there is one rate")
+    put("Rate", GLib.Variant("d", 0.0))
+    heard.status("Paused")
+
+
+def opens_what_it_is_given(song):
+    heard = Heard()
+    press("OpenUri", "http://127.0.0.1:9/x.mp3")
+    press("OpenUri", song.as_uri())
+    heard.title(song.name)
+    heard.status("Playing")
+    expect(get("Metadata")["xesam:url"] == song.as_uri(), "the file given plays")
+    expect("xesam:album" not in get("Metadata"), "nothing of another file is told of it")
 
 
 def waits_for_an_answer():
@@ -154,12 +183,19 @@ def main(program, fixtures):
     mutagen.id3.ID3().save(songs[0])
     tags = mutagen.id3.ID3(songs[0])
     tags.add(mutagen.id3.TIT2(text=TITLE))
+    tags.add(mutagen.id3.TPE1(text=["Eine", "Zweite"]))
+    tags.add(mutagen.id3.TALB(text="Ålbum"))
+    tags.add(mutagen.id3.APIC(mime="image/jpeg", type=0, data=b"another"))
+    tags.add(mutagen.id3.APIC(mime="image/png", type=3, desc="front", data=COVER))
     tags.save()
+    third = folder / "c – other.wav"
+    shutil.copy(pathlib.Path(fixtures) / "music.wav", third)
     first = subprocess.Popen([program, *songs])
     wait_for(lambda: owned(NAME), "the program is on the bus")
     expect(get("Identity", "org.mpris.MediaPlayer2") == "Tracksmith", "it says who it is")
     plays_and_moves_on(songs)
     pauses_and_seeks()
+    opens_what_it_is_given(third)
 
     second = subprocess.Popen([program])
     name = f"{NAME}.instance{second.pid}"
@@ -173,12 +209,12 @@ def main(program, fixtures):
     first.wait(30)
 
     nowhere = dict(os.environ, DBUS_SESSION_BUS_ADDRESS="unix:path=/nowhere")
-    third = subprocess.Popen([program, *songs], env=nowhere, stderr=subprocess.PIPE)
+    alone = subprocess.Popen([program, *songs], env=nowhere, stderr=subprocess.PIPE)
     tree = lambda: subprocess.run(["xwininfo", "-root", "-tree"], capture_output=True).stdout
     wait_for(lambda: b"Tracksmith v5.8" in tree(), "without a bus the window comes all the same")
-    expect(third.poll() is None and not owned(NAME), "it runs, and is not on the bus")
-    third.terminate()
-    expect(third.communicate(timeout=30)[1] == b"", "it has nothing to complain of")
+    expect(alone.poll() is None and not owned(NAME), "it runs, and is not on the bus")
+    alone.terminate()
+    expect(alone.communicate(timeout=30)[1] == b"", "it has nothing to complain of")
     shutil.rmtree(folder)
 
 
