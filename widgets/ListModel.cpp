@@ -1,10 +1,25 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "widgets/ListModel.h"
 
+#include <utility>
+
 #include <QApplication>
+#include <QFont>
 #include <QStyle>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace widgets {
+namespace {
+
+/// Only the weight: the rest is the view's.
+QFont bold() {
+    QFont font;
+    font.setBold(true);
+    return font;
+}
+
+}  // namespace
 
 void ListModel::setColumns(const QStringList& captions) {
     beginResetModel();
@@ -74,9 +89,20 @@ QVariant ListModel::data(const QModelIndex& index, int role) const {
         if (role == Qt::DecorationRole && index.column() == 0)
             return QApplication::style()->standardIcon(QStyle::SP_MessageBoxWarning);
     }
+    const bool plays = index.row() == playing_;
+    if (role == Qt::DisplayRole && plays && index.column() == 0)
+        return u"▶ "_s + cell(index.row(), 0);
+    if (role == Qt::FontRole && plays) return bold();
+    if (role == Qt::AccessibleDescriptionRole && plays) return u"Playing"_s;
     if (role == Qt::DisplayRole || role == Qt::ToolTipRole)
         return cell(index.row(), index.column());
     return {};
+}
+
+void ListModel::setPlaying(int row) {
+    if (row == playing_) return;
+    for (const int changing : {std::exchange(playing_, row), row})
+        if (changing >= 0 && changing < rowCount()) changed(changing);
 }
 
 QVariant ListModel::headerData(int section, Qt::Orientation orientation, int role) const {

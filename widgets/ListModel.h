@@ -24,6 +24,9 @@ class ListModel : public QAbstractTableModel {
     void setMark(int row, const QString& reason);
     void clearMarks();
     QString mark(int row) const;  ///< the reason; empty where there is no mark
+    /// The row that plays, shown in bold behind a sign; -1 for none. Stays with the row's number.
+    void setPlaying(int row);
+    int playing() const { return playing_; }
 
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
@@ -38,6 +41,7 @@ class ListModel : public QAbstractTableModel {
 
     std::vector<QStringList> rows_;
     QHash<int, QString> marks_;  // reason by row
+    int playing_ = -1;
 };
 
 }  // namespace widgets

@@ -89,6 +89,14 @@ void ListView::setSubItem(int row, int subItem, const QString& text) {
     model_->setCell(row - 1, subItem, text);
 }
 
+void ListView::setPlayingRow(int row) {
+    model_->setPlaying(row - 1);
+}
+
+int ListView::playingRow() const {
+    return model_->playing() + 1;
+}
+
 int ListView::currentRow() const {
     return currentIndex().row() + 1;
 }

@@ -40,6 +40,11 @@ class ListView : public QTreeView {
     void clearMarks();
     QString mark(int row) const;  ///< the reason; empty where there is no mark
 
+    /// Shows which row plays, apart from the selection; 0 for none. The number stays when rows come
+    /// or go.
+    void setPlayingRow(int row);
+    int playingRow() const;
+
     /// The selected item, 0 without rows.
     int currentRow() const;
     /// Makes a row current and the only selected one; a number that no row has is ignored.

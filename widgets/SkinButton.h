@@ -9,11 +9,19 @@ namespace widgets {
 /// by class name. Space and Enter press it while it has the focus.
 class SkinButton : public QPushButton {
     Q_OBJECT
+    /// The longest caption that it will bear: it is as wide as that one needs, whatever it bears.
+    Q_PROPERTY(QString longestCaption MEMBER longestCaption_)
   public:
     explicit SkinButton(QWidget* parent = nullptr);
 
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
   protected:
     void keyPressEvent(QKeyEvent* event) override;
+
+  private:
+    QString longestCaption_;
 };
 
 }  // namespace widgets

@@ -33,11 +33,16 @@ int SkinSlider::valueAt(int x) const {
 }
 
 // The handle jumps to the mouse first, so that the base class finds the mouse on it and drags.
+// Changed comes when the press is done with: who hears it may let the release through at once.
 void SkinSlider::mousePressEvent(QMouseEvent* event) {
-    if (event->button() == Qt::LeftButton) {
-        setSliderPosition(valueAt(event->position().toPoint().x()));
+    const int before = value();
+    {
+        const QScopedValueRollback<bool> guard(onlyShown_, true);
+        if (event->button() == Qt::LeftButton)
+            setSliderPosition(valueAt(event->position().toPoint().x()));
+        QSlider::mousePressEvent(event);
     }
-    QSlider::mousePressEvent(event);
+    if (value() != before) Q_EMIT Changed(value());
 }
 
 }  // namespace widgets

@@ -35,8 +35,11 @@ frmEcho_Effects& EffectDialogs::newEcho() {
 
 void EffectDialogs::setEnabled(bool enabled) {
     for (QWidget* form :
-         std::initializer_list<QWidget*>{frmEffects_, frmFadeIn_, frmFadeOut_, frmEcho_Effects_})
-        if (form) form->setEnabled(enabled);
+         std::initializer_list<QWidget*>{frmEffects_, frmFadeIn_, frmFadeOut_, frmEcho_Effects_}) {
+        if (!form) continue;
+        form->setEnabled(enabled);
+        if (enabled) form->close();
+    }
 }
 
 }  // namespace effects

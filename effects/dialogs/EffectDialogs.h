@@ -28,7 +28,8 @@ class EffectDialogs {
     frmFadeOut& newFadeOut();
     frmEcho_Effects& newEcho();
 
-    /// Whether the open dialogs take input; off while a run goes on.
+    /// Whether dialogs take input; off while a run goes on. Those that are still open when it ends
+    /// close: the files that they were opened for have been changed.
     void setEnabled(bool enabled);
 
   private:

@@ -44,6 +44,8 @@ void Deck::Stop() {
     engine_.StopPlayer(0);
     lockEditing(false);
     controls_.nowPlaying->clear();
+    controls_.pause->setText(u"Pause"_s);
+    markPlayingRow();
 }
 
 // On resume the caption waits for the engine, which reports with PlaybackStarted.
@@ -90,22 +92,12 @@ void Deck::SeekTo(double share) {
 }
 
 void Deck::SeekToMs(std::int64_t position) {
-    engine_.SetPositionUnit(UnitMilliseconds);
-    engine_.Seek(0, static_cast<std::int32_t>(position));
+    engine_.SeekMs(0, position);
     ShowPosition();
 }
 
 bool Deck::idle() const {
     return !locked_ || engine_.GetPlayerStatus(0) == StatusStopped;
-}
-
-// A command that yields may be under way, and counts on its unit.
-std::int64_t Deck::PositionMs() {
-    const std::int16_t unit = engine_.PositionUnit();
-    engine_.SetPositionUnit(UnitMilliseconds);
-    const std::int32_t position = engine_.GetPosition(0);
-    engine_.SetPositionUnit(unit);
-    return position;
 }
 
 void Deck::TestFadeOverlay() {
@@ -116,9 +108,8 @@ void Deck::TestFadeOverlay() {
     controls_.list->setMultiSelect(false);
     showSelectedTitle();
     lockEditing(true);
-    engine_.SetPositionUnit(UnitMilliseconds);
     engine_.PlaylistPlayItem(0, static_cast<std::int16_t>(row - 1));
-    engine_.Seek(0, overlayMs);
+    engine_.SeekMs(0, overlayMs);
     engine_.FadePlayer(0, fullLevel, 0, overlayMs);
     engine_.LoadSound(1, engine_.PlaylistGetItemInfo(0, next, ItemInfoPath));
     engine_.FadePlayer(1, 0, fullLevel, overlayMs);
@@ -138,12 +129,13 @@ void Deck::ShowPosition() {
     }
     controls_.percent2->setText(percentText(engine_.GetPosition(1)));
     engine_.SetPositionUnit(UnitMilliseconds);
+    markPlayingRow();
 }
 
 void Deck::PlaybackStarted(int player) {
     if (player != 0) return controls_.pause2->setText(u"Pause"_s);
     controls_.pause->setText(u"Pause"_s);
-    showSelectedTitle();
+    showTitleOfWhatPlays();
 }
 
 // The engine reports a later entry with this event alone, so the line of the title follows here.
@@ -153,7 +145,9 @@ void Deck::NowPlayingChanged(int player, int index) {
     list->selectRow(index + 1);
     list->ensureVisible(index + 1);
     list->setFocus();
-    if (player == 0) showSelectedTitle();
+    if (player != 0) return;
+    showTitleOfWhatPlays();
+    markPlayingRow();
 }
 
 void Deck::lockEditing(bool locked) {
@@ -164,6 +158,17 @@ void Deck::lockEditing(bool locked) {
 void Deck::showSelectedTitle() {
     const int row = controls_.list->currentRow();
     if (row > 0) controls_.nowPlaying->setText(controls_.list->subItem(row, titleColumn));
+}
+
+// The line stays empty while nothing is on, or only the sound of the start, which is no entry.
+void Deck::showTitleOfWhatPlays() {
+    const bool on = engine_.GetPlayerStatus(0) != StatusStopped;
+    if (on && engine_.PlaylistNowPlaying(0) >= 0) showSelectedTitle();
+}
+
+void Deck::markPlayingRow() {
+    const bool on = engine_.GetPlayerStatus(0) != StatusStopped;
+    controls_.list->setPlayingRow(on ? engine_.PlaylistNowPlaying(0) + 1 : 0);
 }
 
 }  // namespace player

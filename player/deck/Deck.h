@@ -38,10 +38,7 @@ class Deck {
     bool locked() const { return locked_; }
     /// Whether one key for both would have to play, not to pause or resume.
     bool idle() const;
-    /// Milliseconds into the current entry; negative = nothing loaded.
-    std::int64_t PositionMs();
-
-    /// Percent, position text and slider, every half second.
+    /// Percent, position text, slider, and the mark on the row that plays, every half second.
     void ShowPosition();
 
     // Events of the engine.
@@ -52,6 +49,8 @@ class Deck {
     void PlaySelectedEntry();
     void lockEditing(bool locked);
     void showSelectedTitle();
+    void showTitleOfWhatPlays();
+    void markPlayingRow();
 
     PlayerEngine& engine_;
     DeckControls controls_;

@@ -18,21 +18,6 @@ constexpr std::chrono::milliseconds frameTime(33);
 constexpr float barFall = 0.045F;  // of the height, per frame
 constexpr float topFall = 0.012F;
 
-/// Keeps the position unit of the engine, which belongs to whoever set it.
-class UnitGuard {
-  public:
-    UnitGuard(PlayerEngine& engine, std::int16_t unit) : engine_(engine) {
-        engine_.SetPositionUnit(unit);
-    }
-    ~UnitGuard() { engine_.SetPositionUnit(before_); }
-    UnitGuard(const UnitGuard&) = delete;
-    UnitGuard& operator=(const UnitGuard&) = delete;
-
-  private:
-    PlayerEngine& engine_;
-    std::int16_t before_ = engine_.PositionUnit();
-};
-
 int markerX(double share, int width) {
     return static_cast<int>(std::lround(share * (width - 1)));
 }
@@ -121,8 +106,7 @@ void Displays::moveBars() {
 }
 
 double Displays::playedShare() const {
-    const UnitGuard milliseconds(engine_, UnitMilliseconds);
-    const std::int32_t position = engine_.GetPosition(player_);
+    const std::int64_t position = engine_.PositionMs(player_);
     const std::int64_t length = engine_.LengthMs(player_);
     if (position < 0) return -1;
     return length > 0 ? std::clamp(double(position) / double(length), 0.0, 1.0) : 0;

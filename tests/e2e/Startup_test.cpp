@@ -40,6 +40,15 @@ TEST_F(Startup, TheEditorWorksInTheWorkingFolder) {
     EXPECT_FALSE(editor.HasSound());
 }
 
+TEST_F(Startup, TheSoundOfTheStartIsPlayedAndIsNoEntry) {
+    const app::frmMain second;  // no event has passed yet
+    auto& player = find<player::PlayerEngine>(second, "PlayerEngine1");
+    EXPECT_EQ(player.GetPlayerStatus(0), player::StatusPlaying);
+    EXPECT_EQ(player.PlaylistNowPlaying(0), -1);
+    EXPECT_TRUE(waitFor([&] { return player.LengthMs(0) > 0; })) << "the sound beside the program";
+    EXPECT_EQ(find<QLabel>(second, "Label1").text(), QString());
+}
+
 TEST_F(Startup, StartsWithAnEmptyList) {
     EXPECT_EQ(list().rowCount(), 0);
     EXPECT_EQ(text("Label7"), QString());

@@ -214,6 +214,15 @@ TEST_F(Dialogs, OpeningAnotherEffectReplacesTheOpenDialog) {
     EXPECT_EQ(slider(dialog("frmEffects")).value(), 50);
 }
 
+TEST_F(Dialogs, ALeftOverDialogClosesWhenARunEnds) {
+    add("tone.wav");
+    choose("mnuFadeIn_selected");
+    QPointer<QWidget> left(&dialog("frmFadeIn"));
+    choose("mnuNormalize_selected");
+    apply(dialog("frmEffects"));
+    EXPECT_TRUE(support::waitFor([&] { return left.isNull(); }));
+}
+
 TEST_F(Dialogs, SlidersTakeKeysWheelAndTypedValues) {
     choose("mnuSilence2Frt");
     QWidget& form = dialog("frmEffects");
