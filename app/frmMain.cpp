@@ -7,6 +7,7 @@
 #include <QCloseEvent>
 #include <QDir>
 #include <QFile>
+#include <QLabel>
 #include <QTimer>
 
 #include "app/Glyphs.h"
@@ -76,6 +77,7 @@ frmMain::frmMain(QWidget* parent)
       Timer1(widgets::named<QTimer>(u"Timer1"_s, this)),
       Timer2(widgets::named<QTimer>(u"Timer2"_s, this)) {
     ui_->setupUi(this);
+    for (QLabel* label : findChildren<QLabel*>()) label->setTextFormat(Qt::PlainText);
     setWindowTitle(u"%1 v%2"_s.arg(platform::programTitle(), platform::programVersion()));
     setGlyphs(*ui_);
     ui_->ListView1->setColumns({u"Track"_s, u"Duration"_s, u"Title"_s});
@@ -126,7 +128,7 @@ void frmMain::Form_Load() {
 
 // Closing cannot be refused; a list of one entry is left without asking.
 void frmMain::Form_QueryUnload() {
-    if (ui_->ListView1->rowCount() <= 1) return;
+    if (!asks_ || ui_->ListView1->rowCount() <= 1) return;
     const auto answer = widgets::msgBox(
         u"Do you want to save the current playlist before exit?  "_s, widgets::MsgButtons::YesNo,
         widgets::MsgIcon::Question, u"Save playlist?"_s);

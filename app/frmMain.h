@@ -67,6 +67,9 @@ class frmMain : public QWidget {
     /// them; says what there is no file of.
     void openPaths(const QStringList& paths);
 
+    /// From now on closing asks nothing: the system ends the session or the program.
+    void askNothingMore() { asks_ = false; }
+
     /// Fades in over the first sixth of what the editor engine holds and out over its last sixth.
     void AutoFadeInOut();
 
@@ -190,6 +193,7 @@ class frmMain : public QWidget {
     QPointer<wizard::frmFadeWizard2> frmFadeWizard2;  // the visit in hand, if there is one
     std::int16_t TotalMinutes = 0;                    // of the list, written by Timer2_Timer
     std::unique_ptr<QObject> mediaKeys_;              // where the desktop has any
+    bool asks_ = true;                                // closing asks whether to save the list
     bool closing_ = false;  // the window was closed; long work ends after the file in hand
 };
 

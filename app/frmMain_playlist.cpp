@@ -1,13 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The playlist's commands: add, remove, move, clear, select, totals, files.
+#include <QTimer>
+
 #include "app/Skin.h"
 #include "app/frmMain.h"
+#include "lists/Names.h"
 #include "platform/ResumeNext.h"
 #include "playlist/DroppedFiles.h"
 #include "playlist/PlaylistCommands.h"
 #include "playlist/PlaylistFiles.h"
 #include "playlist/Totals.h"
 #include "ui_frmMain.h"
+#include "widgets/Dispatch.h"
 #include "widgets/MsgBox.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -82,13 +86,15 @@ void frmMain::ListView1_Scrolled() {
     list_->PreferShownRows(0, *ui_->ListView1);
 }
 
+// The program that the files come from waits until the drop has returned: boxes come after that.
 void frmMain::ListView1_FilesDropped(const QList<QUrl>& urls, int row) {
     if (!ui_->CommandAddSong1->isEnabled()) return;
     QStringList paths;
-    for (const QUrl& url : urls) {
-        if (url.isLocalFile()) paths.append(url.toLocalFile());
-    }
-    insertPaths(paths, row);
+    for (const QUrl& url : urls)
+        if (url.isLocalFile()) paths.append(lists::localPath(url));
+    QTimer::singleShot(0, this, widgets::guarded([this, paths, row] {
+                           if (ui_->CommandAddSong1->isEnabled()) insertPaths(paths, row);
+                       }));
 }
 
 void frmMain::openPaths(const QStringList& paths) {
@@ -96,19 +102,17 @@ void frmMain::openPaths(const QStringList& paths) {
 }
 
 void frmMain::insertPaths(const QStringList& paths, int row) {
-    const playlist::DroppedFiles dropped = playlist::sortOut(paths);
+    playlist::DroppedFiles dropped = playlist::sortOut(paths);
     widgets::ListView& list = *ui_->ListView1;
     if (!dropped.list.isEmpty()) {
-        if (!files_->Load(0, list, dropped.list)) return;
+        files_->Load(0, list, dropped.list);
         row = list.rowCount() + 1;
     } else if (list.rowCount() == 0 && !dropped.files.isEmpty()) {
         ui_->Label7->setText(newListCaption);
     }
     const bool fits = dropped.files.isEmpty() || list_->InsertFiles(0, list, dropped.files, row);
-    if (!fits) widgets::msgBox(u"A playlist holds no more than 32767 files: none were added."_s);
-    if (!dropped.missing.isEmpty()) {
-        widgets::msgBox(u"There is no such file:\n"_s + dropped.missing.join(u'\n'));
-    }
+    if (!fits) dropped.refused += u"A playlist holds no more than 32767 files: none were added."_s;
+    if (!dropped.refused.isEmpty()) widgets::msgBox(playlist::refusedText(dropped.refused));
 }
 
 }  // namespace app

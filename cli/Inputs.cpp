@@ -2,13 +2,14 @@
 #include "cli/Inputs.h"
 
 #include <exception>
+#include <filesystem>
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 
 #include "cli/Report.h"
 #include "lists/ListReader.h"
+#include "platform/Paths.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -21,7 +22,7 @@ bool isList(const QString& path) {
 }
 
 QString absolute(const std::string& argument) {
-    const QString name = QFile::decodeName(argument.c_str());
+    const QString name = platform::toQString(std::filesystem::path(argument));
     return QDir::toNativeSeparators(QFileInfo(name).absoluteFilePath());
 }
 

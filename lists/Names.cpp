@@ -17,6 +17,14 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 
+const QStringList& audioSuffixes() {
+    static const QStringList suffixes = {
+        u"mp3"_s, u"mp2"_s,  u"mpga"_s, u"wav"_s, u"ogg"_s,  u"oga"_s, u"opus"_s, u"wma"_s,
+        u"asf"_s, u"flac"_s, u"m4a"_s,  u"m4b"_s, u"mp4"_s,  u"aac"_s, u"aif"_s,  u"aiff"_s,
+        u"ape"_s, u"wv"_s,   u"mpc"_s,  u"tta"_s, u"alac"_s, u"spx"_s, u"w64"_s,  u"rf64"_s};
+    return suffixes;
+}
+
 QString toNative(QString name) {
     const QChar native = QDir::separator();
     return name.replace(native == u'/' ? u'\\' : u'/', native);
@@ -80,6 +88,11 @@ QString likeliest(const QString& name) {
 bool isFile(const QString& path) {
     std::error_code unreadable;
     return std::filesystem::is_regular_file(platform::toPath(path), unreadable);
+}
+
+bool namesAudio(const QString& line) {
+    const qsizetype dot = line.lastIndexOf(u'.');
+    return dot >= 0 && audioSuffixes().contains(line.mid(dot + 1).trimmed().toLower());
 }
 
 bool isUrl(const QString& name) {

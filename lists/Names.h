@@ -15,6 +15,9 @@ using FileExists = std::function<bool(const QString&)>;
 /// The one on disk: true for a regular file, also behind links.
 bool isFile(const QString& path);
 
+/// Whether a name ends as those of sound files do.
+bool namesAudio(const QString& name);
+
 /// True for "http://…" and the like, which name no local file; a drive letter is no scheme.
 bool isUrl(const QString& name);
 

@@ -2,20 +2,33 @@
 #include "playlist/DroppedFiles.h"
 
 #include <algorithm>
+#include <exception>
+#include <filesystem>
 
 #include <QCollator>
 #include <QDir>
 #include <QFileInfo>
 #include <QLocale>
 
+#include "lists/ListReader.h"
+#include "platform/Paths.h"
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace playlist {
 namespace {
 
+namespace fs = std::filesystem;
+
 bool isList(const QString& path) {
     const QString suffix = QFileInfo(path).suffix().toLower();
     return suffix == u"m3u" || suffix == u"m3u8" || suffix == u"pls";
+}
+
+// What a folder stands for; more can be added by name.
+bool isOffered(const QString& name) {
+    static const QStringList suffixes{u"mp3"_s, u"mp2"_s, u"wav"_s, u"ogg"_s, u"wma"_s};
+    return suffixes.contains(QFileInfo(name).suffix().toLower());
 }
 
 void naturalSort(QStringList& names) {
@@ -28,36 +41,73 @@ void naturalSort(QStringList& names) {
 }
 
 // Files of a folder before those of its sub-folders; links to folders are not followed, for they
-// may lead round in a circle.
-void appendFolder(const QString& path, QStringList& files) {
-    const QDir folder(path);
-    QStringList names =
-        folder.entryList({u"*.mp3"_s, u"*.mp2"_s, u"*.wav"_s, u"*.ogg"_s, u"*.wma"_s}, QDir::Files);
+// may lead round in a circle. Hidden files and folders are left out.
+void appendFolder(const fs::path& folder, QStringList& files) {
+    QStringList names, folders;
+    std::error_code unreadable;
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder, unreadable)) {
+        const QString name = platform::toQString(entry.path().filename());
+        std::error_code error;
+        if (name.startsWith(u'.')) continue;
+        if (entry.is_directory(error)) {
+            if (!entry.is_symlink(error)) folders += name;
+        } else if (isOffered(name) && entry.is_regular_file(error)) {
+            names += name;
+        }
+    }
     naturalSort(names);
-    for (const QString& name : names) files.append(QDir::toNativeSeparators(folder.filePath(name)));
-    QStringList folders = folder.entryList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::NoSymLinks);
+    for (const QString& name : names) files += platform::toQString(folder / platform::toPath(name));
     naturalSort(folders);
-    for (const QString& name : folders) appendFolder(folder.filePath(name), files);
+    for (const QString& name : folders) appendFolder(folder / platform::toPath(name), files);
+}
+
+void appendList(const QString& path, DroppedFiles& sorted) {
+    try {
+        for (const lists::ListedEntry& entry : lists::readListFile(path))
+            sorted.files += entry.path;
+    } catch (const std::exception& error) {
+        sorted.refused += QString::fromUtf8(error.what());
+    }
+}
+
+void append(const QString& path, DroppedFiles& sorted) {
+    std::error_code error;
+    const fs::file_status status = fs::status(platform::toPath(path), error);
+    if (fs::is_directory(status))
+        appendFolder(platform::toPath(path), sorted.files);
+    else if (isList(path) && fs::exists(status))
+        appendList(path, sorted);
+    else if (!fs::exists(status))
+        sorted.refused += u"There is no such file: %1"_s.arg(path);
+    else if (fs::is_regular_file(status) && lists::namesAudio(path))
+        sorted.files += path;
+    else
+        sorted.refused += u"This is no sound file: %1"_s.arg(path);
 }
 
 }  // namespace
 
 DroppedFiles sortOut(const QStringList& paths) {
     DroppedFiles sorted;
-    for (const QString& path : paths) {
-        const QFileInfo info(path);
-        const QString absolute = QDir::toNativeSeparators(info.absoluteFilePath());
-        if (!info.exists()) {
-            sorted.missing.append(absolute);
-        } else if (info.isDir()) {
-            appendFolder(absolute, sorted.files);
-        } else if (!isList(absolute)) {
-            sorted.files.append(absolute);
-        } else if (sorted.list.isEmpty()) {
-            sorted.list = absolute;
-        }
-    }
+    QStringList absolute;
+    for (const QString& path : paths)
+        absolute += QDir::toNativeSeparators(QFileInfo(path).absoluteFilePath());
+    const auto isListFile = [](const QString& path) { return isList(path) && lists::isFile(path); };
+    if (!absolute.isEmpty() && std::all_of(absolute.begin(), absolute.end(), isListFile))
+        sorted.list = absolute.takeFirst();
+    for (const QString& path : absolute) append(path, sorted);
     return sorted;
+}
+
+QString refusedText(const QStringList& refused) {
+    constexpr qsizetype shown = 8;
+    constexpr qsizetype longest = 200;
+    QStringList lines;
+    for (const QString& line : refused.first(std::min(shown, refused.size())))
+        lines +=
+            line.size() > longest ? line.left(longest / 2) + u'…' + line.right(longest / 2) : line;
+    if (refused.size() > shown) lines += u"… and %1 more."_s.arg(refused.size() - shown);
+    return lines.join(u'\n');
 }
 
 }  // namespace playlist

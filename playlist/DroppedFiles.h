@@ -8,14 +8,19 @@ namespace playlist {
 
 /// What files and folders given by hand (dropped, or as arguments) amount to. A plain value.
 struct DroppedFiles {
-    QString list;         ///< the first playlist file among them, or empty
-    QStringList files;    ///< sound files in the order given, folders replaced by their content
-    QStringList missing;  ///< what there is no file or folder of
+    QString list;         ///< the list to load in place of the present one; empty = none
+    QStringList files;    ///< sound files to add, in the order given
+    QStringList refused;  ///< a line for each that is passed over, with the reason
 };
 
-/// Sorts out paths: a folder stands for the sound files in it and below, in natural order ("2"
-/// before "10"); a file named by itself is taken whatever its extension; paths that are not
-/// absolute are taken from the current folder. Results have native separators.
+/// Sorts out paths. Where lists alone are given, the first one replaces the present list, and the
+/// entries of the others are added to it. Otherwise all is added in the order given: the entries of
+/// a list; for a folder the sound files in it and below, in natural order ("2" before "10"); sound
+/// files. What is no sound by its ending, is not there or is a list that cannot be read is refused.
+/// Paths that are not absolute are taken from the current folder. Results have native separators.
 DroppedFiles sortOut(const QStringList& paths);
+
+/// The refused ones as one text that fits on the screen: the first of them, and how many more.
+QString refusedText(const QStringList& refused);
 
 }  // namespace playlist

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "playlist/Totals.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
-
-#include "platform/Error.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -38,10 +37,8 @@ QString leadingNumber(const QString& text) {
 
 std::int16_t roundHalfToEven(double minutes) {
     const double rounded = std::nearbyint(minutes);
-    if (rounded > std::numeric_limits<std::int16_t>::max()) {
-        throw platform::Error("The playlist is too long for its minutes to be counted.");
-    }
-    return static_cast<std::int16_t>(rounded);
+    constexpr double most = std::numeric_limits<std::int16_t>::max();
+    return static_cast<std::int16_t>(std::min(rounded, most));
 }
 
 /// One decimal, a half away from zero: 45 seconds, 0.75 minutes, are 0.8.

@@ -10,9 +10,11 @@ namespace playlist {
 
 /// The running totals under the list, as shown and as used. A plain value.
 struct Totals {
-    std::int16_t totalMinutes = 0;  ///< whole minutes, halves to even
-    bool overCdLimit = false;       ///< more than the 78 minutes that an audio CD is given
-    QString durationText;           ///< minutes with one decimal, in spite of its caption
+    /// Whole minutes, halves to even; longer lists have the most that fits, so that they never pass
+    /// for short ones.
+    std::int16_t totalMinutes = 0;
+    bool overCdLimit = false;  ///< more than the 78 minutes that an audio CD is given
+    QString durationText;      ///< minutes with one decimal, in spite of its caption
     QString countText;
 };
 
@@ -22,7 +24,6 @@ double val(const QString& text);
 
 /// Adds up the Duration texts of the list, each "minutes, one separator, two digits of seconds";
 /// a text that is empty or says something else counts with what leading numbers it has.
-/// Throws platform::Error where the sum does not fit into totalMinutes.
 Totals totals(const std::vector<QString>& durations);
 
 }  // namespace playlist

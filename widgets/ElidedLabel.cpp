@@ -6,6 +6,8 @@
 #include <QStyle>
 #include <QToolTip>
 
+#include "widgets/PlainToolTip.h"
+
 namespace widgets {
 
 ElidedLabel::ElidedLabel(QWidget* parent) : QLabel(parent) {
@@ -23,7 +25,8 @@ QString ElidedLabel::shown() const {
 
 bool ElidedLabel::event(QEvent* event) {
     if (event->type() == QEvent::ToolTip && shown() != text()) {
-        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), text(), this);
+        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), plainToolTip(text()),
+                           this);
         return true;
     }
     return QLabel::event(event);

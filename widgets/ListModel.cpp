@@ -7,6 +7,8 @@
 #include <QFont>
 #include <QStyle>
 
+#include "widgets/PlainToolTip.h"
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace widgets {
@@ -85,10 +87,15 @@ int ListModel::columnCount(const QModelIndex& parent) const {
 QVariant ListModel::data(const QModelIndex& index, int role) const {
     if (!index.isValid()) return {};
     if (const QString reason = mark(index.row()); !reason.isEmpty()) {
-        if (role == Qt::ToolTipRole || role == Qt::AccessibleDescriptionRole) return reason;
+        if (role == Qt::ToolTipRole) return plainToolTip(reason);
+        if (role == Qt::AccessibleDescriptionRole) return reason;
         if (role == Qt::DecorationRole && index.column() == 0)
             return QApplication::style()->standardIcon(QStyle::SP_MessageBoxWarning);
     }
+    const QString text = cell(index.row(), index.column());
+    if (role == Qt::DisplayRole) return text;
+    if (role == Qt::ToolTipRole) return plainToolTip(text);
+
     const bool plays = index.row() == playing_;
     if (role == Qt::DisplayRole && plays && index.column() == 0)
         return u"▶ "_s + cell(index.row(), 0);

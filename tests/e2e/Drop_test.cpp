@@ -28,6 +28,7 @@ struct Drop : MainWindow {
         QCoreApplication::sendEvent(area, &enter);
         QDropEvent dropped(place, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
         if (enter.isAccepted()) QCoreApplication::sendEvent(area, &dropped);
+        settle();
         return enter.isAccepted();
     }
 
@@ -100,4 +101,42 @@ TEST_F(Drop, ArgumentsThatDoNotExistAreNamed) {
     EXPECT_TRUE(allAnswered());
     EXPECT_THAT(seen->text.toStdString(), testing::HasSubstr("no such.mp3"));
     EXPECT_EQ(titles(), QStringList({u"x.mp3"_s}));
+}
+
+// The program that the files come from waits for the drop to return.
+TEST_F(Drop, ReturnsBeforeItAsksOrTells) {
+    addSongs(1);
+    std::ofstream(folder.path() / "notes.txt") << "no sound";
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(folder.file(u"notes.txt"_s))});
+    QDropEvent dropped(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(list().viewport(), &dropped);
+    EXPECT_EQ(openWindow("MsgBox"), nullptr);
+    const auto seen = answerMessageBox(QMessageBox::Ok);
+    EXPECT_TRUE(waitFor([] { return allAnswered(); }));
+    EXPECT_TRUE(seen->text.contains(u"notes.txt"_s)) << seen->text.toStdString();
+    EXPECT_EQ(list().rowCount(), 1);
+}
+
+TEST_F(Drop, AListWithSoundsIsAddedAndReplacesNothing) {
+    addSongs(2);
+    const QString path = listFile(u"new.m3u"_s, {song(u"x.mp3"_s)});
+    EXPECT_TRUE(drop({song(u"a.mp3"_s), path}, 0));
+    EXPECT_EQ(titles(), QStringList({u"1.mp3"_s, u"2.mp3"_s, u"a.mp3"_s, u"x.mp3"_s}));
+}
+
+TEST_F(Drop, TheSecondListIsAddedToTheFirst) {
+    addSongs(2);
+    const QString first = listFile(u"first.m3u"_s, {song(u"x.mp3"_s)});
+    const QString second = listFile(u"second.m3u"_s, {song(u"y.mp3"_s)});
+    EXPECT_TRUE(drop({first, second}, 0));
+    EXPECT_EQ(titles(), QStringList({u"x.mp3"_s, u"y.mp3"_s}));
+    EXPECT_EQ(text("Label7"), first);
+}
+
+TEST_F(Drop, ATitleWithMarkupIsATooltipLetterByLetter) {
+    const QString path = song(u"<img src=x> b.mp3"_s);
+    EXPECT_TRUE(drop({path}, 0));
+    const QString tip = list().model()->index(0, 2).data(Qt::ToolTipRole).toString();
+    EXPECT_TRUE(tip.contains(u"&lt;img src=x&gt; b.mp3"_s)) << tip.toStdString();
 }

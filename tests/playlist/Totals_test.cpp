@@ -58,5 +58,9 @@ TEST(Totals, MinutesAboveAnHour) {
 }
 
 TEST(Totals, MoreMinutesThanCanBeCountedAreAnError) {
-    EXPECT_THROW(totals({u"40000:00"_s}), platform::Error);
+    const playlist::Totals longer = totals({u"40000:00"_s, u"0:30"_s});
+    EXPECT_EQ(longer.totalMinutes, 32767);
+    EXPECT_TRUE(longer.overCdLimit);
+    EXPECT_EQ(longer.durationText, u"Total Duration (mm.s): 40000.5"_s);
+    EXPECT_EQ(longer.countText, u"Tolal File Count: 2"_s);
 }

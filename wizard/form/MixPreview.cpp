@@ -7,6 +7,7 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
+#include "widgets/PlainToolTip.h"
 #include "wizard/Naming.h"
 #include "wizard/form/TimelineView.h"
 
@@ -86,7 +87,7 @@ void MixPreview::refresh() {
     total_->setText(totalText(mix.seconds));
     total_->setStyleSheet(mix.seconds > DiscSeconds ? u"color: #ff7b72;"_s : QString());
     note_->setText(noteText());
-    note_->setToolTip(failures_.join(u'\n'));
+    note_->setToolTip(widgets::plainToolTip(failures_.join(u'\n')));
     note_->setStyleSheet(failures_.isEmpty() ? QString() : u"color: #ff7b72;"_s);
     view_->setMix(mix, std::move(tracks), shape_.fades, shape_.normalize);
 }

@@ -9,6 +9,8 @@
 #include <QPainter>
 #include <QToolTip>
 
+#include "widgets/PlainToolTip.h"
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace wizard {
@@ -152,10 +154,10 @@ bool TimelineView::event(QEvent* event) {
         QToolTip::hideText();
     else {
         const PlacedTrack& placed = mix_.tracks[std::size_t(track)];
-        QToolTip::showText(
-            help->globalPos(),
-            u"%1\nheard from %2 to %3"_s.arg(tracks_[std::size_t(track)].name, clock(placed.start),
-                                             clock(placed.start + placed.seconds)));
+        QToolTip::showText(help->globalPos(),
+                           widgets::plainToolTip(u"%1\nheard from %2 to %3"_s.arg(
+                               tracks_[std::size_t(track)].name, clock(placed.start),
+                               clock(placed.start + placed.seconds))));
     }
     return true;
 }
