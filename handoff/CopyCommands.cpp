@@ -3,10 +3,14 @@
 
 #include <exception>
 #include <functional>
+#include <optional>
 
 #include "handoff/CopyFiles.h"
 #include "handoff/LoadedList.h"
 #include "lists/LineFile.h"
+#include "lists/ListText.h"
+#include "lists/ListWriter.h"
+#include "lists/Names.h"
 #include "platform/Paths.h"
 #include "ports/Boxes.h"
 #include "ports/EventPump.h"
@@ -39,10 +43,19 @@ bool copyEntries(const ports::Ports& ports, const QString& target,
     return true;
 }
 
+// A list that is there, perhaps the one that is copied, gives way only to a whole one.
 bool copyWithList(const ports::Ports& ports, const QString& target) {
-    lists::LineFile list(target + projectListName);
-    return copyEntries(ports, target,
-                       [&](const QString& name) { list.writeLine(projectListLine(name)); });
+    const QString path = target + projectListName;
+    std::optional<lists::LineFile> growing;
+    if (!lists::isFile(path)) growing.emplace(path);
+    QByteArray lines;
+    const bool all = copyEntries(ports, target, [&](const QString& name) {
+        const QString line = projectListLine(name);
+        lines += lists::encodeLine(line);
+        if (growing) growing->writeLine(line);
+    });
+    if (all && !growing) lists::replaceListFile(path, lines);
+    return all;
 }
 
 void orFixedMessage(ports::Boxes& boxes, const std::function<void()>& command) {

@@ -10,7 +10,8 @@ class LoadedList;
 /// "Copy loaded files (playlist) to 'Project' folder": every entry into a picked folder, with a
 /// list of bare names (temp.m3u) beside the copies that is then loaded in place of the playlist.
 /// Error style: any failure ends the command with one fixed message; what has been copied stays,
-/// temp.m3u holds the names copied so far, and the bar stays visible.
+/// temp.m3u holds the names copied so far (one that was there before stays as it was), and the bar
+/// stays visible.
 void copyToProjectFolder(const ports::Ports& ports, LoadedList& loaded);
 
 /// "Copy loaded files (playlist) to 'M3 Player' via USB port": the files alone. The copies' paths

@@ -96,6 +96,18 @@ TEST_F(CopyCommands, CopyingOntoTheFilesThemselvesIsTold) {
     EXPECT_NE(caption(), at(u"music/temp.m3u"_s));
 }
 
+// The list that is loaded may be the one that a copy would write.
+TEST_F(CopyCommands, AListThatWasThereSurvivesACopyThatFails) {
+    writeFile(folder / "music/temp.m3u", "one.mp3\r\ntwo.mp3\r\n");
+    open({u"music/temp.m3u"_s});
+    copyToProject(at(u"music"_s), samePath);
+    EXPECT_EQ(readFile(folder / "music/temp.m3u"), "one.mp3\r\ntwo.mp3\r\n");
+    EXPECT_EQ(list().rowCount(), 2);
+    writeFile(folder / "target/temp.m3u", "old.mp3\r\n");
+    copyToProject(at(u"target"_s), projectDone);
+    EXPECT_EQ(readFile(folder / "target/temp.m3u"), "one.mp3\r\ntwo.mp3\r\n");
+}
+
 TEST_F(CopyCommands, CopyingOntoTheFilesThroughALinkIsTold) {
     fs::create_directory_symlink(folder / "music", folder / "again");
     openThree();
@@ -179,9 +191,9 @@ TEST_F(CopyCommands, OddNamesComeBackFromTheList) {
 
 // While one large file is on its way, the window goes on handling its events.
 TEST_F(CopyCommands, TheWindowLivesDuringALongCopy) {
-    writeFile(folder / "music/long.bin", noise(1));
-    fs::resize_file(folder / "music/long.bin", 256'000'000);
-    open({u"music/long.bin"_s, u"music/two.mp3"_s});
+    writeFile(folder / "music/long.mp3", noise(1));
+    fs::resize_file(folder / "music/long.mp3", 256'000'000);
+    open({u"music/long.mp3"_s, u"music/two.mp3"_s});
     const FolderElsewhere elsewhere(folder.path());
     int seen = 0;
     QTimer watch;
@@ -193,15 +205,15 @@ TEST_F(CopyCommands, TheWindowLivesDuringALongCopy) {
     watch.start(1);
     copyToProject(platform::toQString(elsewhere.path()), projectDone);
     EXPECT_GT(seen, 3);
-    EXPECT_EQ(fs::file_size(elsewhere.path() / "long.bin"), 256'000'000U);
-    EXPECT_THAT(namesIn(elsewhere.path()), ElementsAre("long.bin", "temp.m3u", "two.mp3"));
+    EXPECT_EQ(fs::file_size(elsewhere.path() / "long.mp3"), 256'000'000U);
+    EXPECT_THAT(namesIn(elsewhere.path()), ElementsAre("long.mp3", "temp.m3u", "two.mp3"));
 }
 
 // The file in hand is completed; nothing follows it, and nobody is told anything any more.
 TEST_F(CopyCommands, ClosingTheWindowEndsTheCopyWithTheFileInHand) {
-    writeFile(folder / "music/long.bin", noise(1));
-    fs::resize_file(folder / "music/long.bin", 256'000'000);
-    open({u"music/long.bin"_s, u"music/two.mp3"_s});
+    writeFile(folder / "music/long.mp3", noise(1));
+    fs::resize_file(folder / "music/long.mp3", 256'000'000);
+    open({u"music/long.mp3"_s, u"music/two.mp3"_s});
     const FolderElsewhere elsewhere(folder.path());
     QTimer watch;
     QObject::connect(&watch, &QTimer::timeout, &watch, [&] {
@@ -215,7 +227,7 @@ TEST_F(CopyCommands, ClosingTheWindowEndsTheCopyWithTheFileInHand) {
     chooseFromMenu(window, "Button1", "mnu_copy2folder");
     ASSERT_TRUE(allAnswered());
     EXPECT_EQ(question->title, u"Save playlist?"_s);
-    EXPECT_THAT(namesIn(elsewhere.path()), ElementsAre("long.bin", "temp.m3u"));
-    EXPECT_EQ(fs::file_size(elsewhere.path() / "long.bin"), 256'000'000U);
+    EXPECT_THAT(namesIn(elsewhere.path()), ElementsAre("long.mp3", "temp.m3u"));
+    EXPECT_EQ(fs::file_size(elsewhere.path() / "long.mp3"), 256'000'000U);
     EXPECT_EQ(entries().value(1), at(u"music/two.mp3"_s));
 }
