@@ -19,15 +19,14 @@ QString clock(double seconds) {
 
 Timeline layOut(std::span<const double> lengths, double overlap) {
     Timeline mix;
+    double file = 0;  // where the file of the nearest earlier track with sound begins
     for (const double length : lengths) {
-        PlacedTrack track;
-        track.seconds = length;
-        track.start = mix.seconds;
-        if (!mix.tracks.empty() && length > overlap) {
-            track.overlap = overlap;
-            track.start = std::max(mix.tracks.back().start, mix.seconds - overlap);
-        }
-        mix.seconds += length - track.overlap;
+        PlacedTrack track{mix.seconds, length, 0};
+        const bool givesHead = mix.seconds > 0 && length > overlap;
+        if (givesHead) track.start = std::max(file, mix.seconds - overlap);
+        track.overlap = mix.seconds - track.start;
+        if (length > 0) file = track.start + (givesHead ? overlap : 0);
+        mix.seconds = track.start + length;
         mix.tracks.push_back(track);
     }
     return mix;

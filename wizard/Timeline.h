@@ -15,7 +15,7 @@ inline constexpr double DiscSeconds = 80 * 60.0;
 struct PlacedTrack {
     double start = 0;
     double seconds = 0;  ///< the whole track, its head over the tail of the one before
-    double overlap = 0;  ///< how much of it is heard together with the one before
+    double overlap = 0;  ///< how much of it is heard together with what went before
 };
 
 /// The mix to come, before silence is trimmed: what a preview draws. A plain value.
@@ -27,9 +27,11 @@ struct Timeline {
 /// Seconds as minutes and two digits of seconds, "75:04"; rounded.
 QString clock(double seconds);
 
-/// Lays tracks of these lengths one after the other, each beginning `overlap` seconds before the
-/// end of the one before (0 = no cross fade). A track that is no longer than that has no head to
-/// give and begins where the one before ends.
+/// Lays tracks of these lengths, in seconds, one after the other, as the rounds join them
+/// (overlap 0 = no cross fade). The head of a track, `overlap` long, ends where the sound before it
+/// ends; where the file before is shorter than the head, both begin together and the head is heard
+/// to its end. A track that is no longer than the overlap gives no head and begins where the one
+/// before ends. A length of 0 is a track without sound: the others meet as if it were not there.
 Timeline layOut(std::span<const double> lengths, double overlap);
 
 /// The two fades of the pass as a shape: how long they are, 0 = none.

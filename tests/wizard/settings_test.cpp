@@ -190,6 +190,24 @@ TEST(Timeline, ATrackWithoutARestBehindItsHeadStaysWhole) {
     EXPECT_EQ(mix.seconds, 120);
 }
 
+TEST(Timeline, AHeadThatIsLongerThanTheFileBeforeBeginsWithIt) {
+    const std::vector<double> lengths = {40, 26.5, 40};
+    const auto mix = wizard::layOut(lengths, 20);
+    EXPECT_EQ(mix.tracks[1].start, 20);
+    EXPECT_EQ(mix.tracks[2].start, 40);  // 20 s of the second lie in the first track's file
+    EXPECT_EQ(mix.tracks[2].overlap, 6.5);
+    EXPECT_EQ(mix.seconds, 80);
+}
+
+TEST(Timeline, TracksWithoutSoundArePassedOver) {
+    const std::vector<double> lengths = {0, 40, 0, 30, 0};
+    const auto mix = wizard::layOut(lengths, 10);
+    EXPECT_EQ(mix.tracks[1].start, 0);
+    EXPECT_EQ(mix.tracks[3].start, 30);
+    EXPECT_EQ(mix.tracks[3].overlap, 10);
+    EXPECT_EQ(mix.seconds, 60);
+}
+
 TEST(Timeline, FadesRunFromAndToATenth) {
     const wizard::FadeShape fades{10, 20};
     EXPECT_DOUBLE_EQ(fades.gain(0, 100), 0.1);
