@@ -24,8 +24,10 @@ void frmMain::mnuCrossFader_Click() {
     if (!askReady()) return;
     CommandStop1_Click();
     wizard::frmFadeWizard2& form = loadWizard();
+    QStringList playlist;
     for (int entry = 0; entry < ports_->list.rowCount(); ++entry)
-        form.addPlaylistFile(ports_->list.entryPath(entry));
+        playlist << ports_->list.entryPath(entry);
+    form.handOver(playlist);
     if (form.fileCount() == 0)
         widgets::msgBox(wizard::texts::NoFiles.toString());
     else

@@ -134,9 +134,8 @@ void runMix(const MixRun& run, Report& report) {
     QObject::connect(&editor, &effects::Editor::Progress,
                      [&](int percent) { view.setFraction(percent / 100.0); });
     wizard::TransformationPass pass(editor, session, {view, view, view, events});
-    QString reason = wizard::nameGivenTwice(run.files, run.options);
-    if (reason.isEmpty()) reason = pass.reasonAgainst();
-    if (!reason.isEmpty()) return report.failed(run.options.targetPath, reason);
+    if (const QString reason = pass.reasonAgainst(); !reason.isEmpty())
+        return report.failed(run.options.targetPath, reason);
     report.begin(static_cast<std::size_t>(run.files.size()));
     if (!pass.run()) view.reportInterrupt();
     report.end();

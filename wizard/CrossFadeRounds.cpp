@@ -37,17 +37,19 @@ void CrossFadeRounds::cutHeads() {
 
 void CrossFadeRounds::cutHead(int index) {
     ports_.view.selectResult(index);
+    // The first track that has sound keeps its head: there is nothing before it to mix it with.
+    if (!sounds(index) || *session_.sounding.begin() == index) return;
     const QString path = result(index);
-    const QString head = headFile(ports_.view.options().targetPath, index, path);
     Attempts attempt(ports_.view, path);
-    attempt([&] { editor_.Load(path); });
+    if (!attempt([&] { editor_.Load(path); })) return;
+    if (editor_.GetLength() <= editor_.TimeToPosition(session_.settings.crossfade_value)) return;
     editor_.SetSelectionActive(false);
     editor_.SetSelectionActive(true);
     attempt([&] {
         editor_.SetSelectionEnd(editor_.TimeToPosition(session_.settings.crossfade_value));
     });
     // What lies in no file yet must not be cut away.
-    if (!attempt([&] { guardedSave(editor_, session_.originals, head, true); })) return;
+    if (!attempt([&] { guardedSave(editor_, session_.originals, headOf(index), true); })) return;
     attempt([&] { editor_.DeleteSelection(); });
     editor_.SetSelectionActive(false);
     if (attempt([&] { guardedSave(editor_, session_.originals, path, false); })) cut_.insert(index);
@@ -64,6 +66,8 @@ void CrossFadeRounds::mixHeads() {
 
 bool CrossFadeRounds::mixHead(int index) {
     ports_.view.selectResult(index);
+    if (!sounds(index)) return true;
+    const int next = nextSounding(index);
     const QString path = result(index);
     Attempts attempt(ports_.view, path);
     attempt([&] { editor_.Load(path); });
@@ -72,8 +76,7 @@ bool CrossFadeRounds::mixHead(int index) {
     bool inRange = true;
     attempt([&] { inRange = selectTail(); });
     if (!inRange) return false;
-    const QString head = headFile(ports_.view.options().targetPath, index + 1, result(index + 1));
-    if (cut_.contains(index + 1)) attempt([&] { editor_.MixFile(head, 100.0F, 100.0F); });
+    if (cut_.contains(next)) attempt([&] { editor_.MixFile(headOf(next), 100.0F, 100.0F); });
     attempt([&] { guardedSave(editor_, session_.originals, path, false); });
     editor_.SetSelectionActive(false);
     return true;
@@ -92,6 +95,18 @@ void CrossFadeRounds::offerBurn() {
     if (!ports_.boxes.askYesNo(texts::BurnQuestion.toString(), texts::BurnTitle.toString())) return;
     for (int index = 0; index < session_.List1.rowCount(); ++index) ports_.view.selectResult(index);
     ports_.view.burn(session_.List1.stringList());
+}
+
+/// The nearest later track that has sound; -1 where there is none.
+int CrossFadeRounds::nextSounding(int index) const {
+    const auto later = session_.sounding.upper_bound(index);
+    return later == session_.sounding.end() ? -1 : *later;
+}
+
+QString CrossFadeRounds::headOf(int index) const {
+    const QStringList results = session_.List1.stringList();
+    const QString head = headFile(ports_.view.options().targetPath, index, results.value(index));
+    return freePath(head, {results.begin(), results.end()});
 }
 
 QString CrossFadeRounds::result(int index) const {

@@ -14,10 +14,14 @@ namespace wizard {
 /// tail of the track before. Played without a gap, the files are one continuous mix. The rounds
 /// apply no fade; the head files stay in the target folder.
 ///
-/// An engine call that fails is passed over. A head goes into the mix only if it was cut off its
-/// own track in this run, so that no sound is lost and none is heard twice: a track whose head
-/// could not be written stays whole, and a head file that an earlier run left behind is never
-/// mixed.
+/// Every sample of every track is heard once, in order:
+/// - Only what this run wrote takes part. A track without sound is passed over, and the next head
+///   goes onto the nearest earlier track that has some; the first of those keeps its head.
+/// - A track that is no longer than the overlap keeps its head and is joined end to start.
+/// - A head goes into the mix only if it was cut off its own track in this run. Where the track
+///   before is shorter than it, it begins with that track and is heard to its end.
+/// - A head file bears no track's name.
+/// An engine call that fails is passed over otherwise.
 ///
 /// Runs in the caller's thread and yields only through the engine's progress. session.stop() ends
 /// each round after the entry in hand.
@@ -37,8 +41,11 @@ class CrossFadeRounds {
     bool mixHead(int index);
     /// Selects the overlap at the end; false where its start is no position.
     bool selectTail();
+    bool sounds(int index) const { return session_.sounding.contains(index); }
+    int nextSounding(int index) const;
     void offerBurn();
     QString result(int index) const;
+    QString headOf(int index) const;
 
     effects::Editor& editor_;
     Session& session_;

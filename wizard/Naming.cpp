@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "wizard/Naming.h"
 
-#include <QHash>
-
 #include "platform/Paths.h"
 #include "wizard/OutputFormat.h"
 
@@ -20,20 +18,27 @@ QString outputPath(const Options& options, const QString& stem) {
     return options.targetPath + stem + fileEnding(options.format);
 }
 
-QString nameGivenTwice(const QStringList& files, const Options& options) {
-    QHash<QString, QString> sources;
-    for (const QString& file : files) {
-        const QString output = outputPath(options, outputStem(file));
-        if (const QString earlier = sources.value(output); !earlier.isNull())
-            return QStringLiteral("%1 and %2 would both be written to %3.")
-                .arg(earlier, file, output);
-        sources.insert(output, file);
-    }
-    return {};
+QString freePath(const QString& path, const QSet<QString>& taken) {
+    const qsizetype name = path.size() - bareName(path).size();
+    const qsizetype dot = path.lastIndexOf(u'.');
+    const qsizetype end = dot < name ? path.size() : dot;
+    QString free = path;
+    for (int number = 2; taken.contains(free); ++number)
+        free = path.first(end) + QStringLiteral(" (%1)").arg(number) + path.sliced(end);
+    return free;
 }
 
 QString headFile(const QString& targetPath, int index, const QString& entryPath) {
     return targetPath + QString::number(index) + u'_' + bareName(entryPath);
+}
+
+QString ResultPaths::next(const QString& file, const Options& options, QString& name) {
+    // A prefix keeps the name of the file before, and is itself never used.
+    if (options.hasPrefix) return outputPath(options, name);
+    name = outputStem(file);
+    const QString path = freePath(outputPath(options, name), taken_);
+    taken_.insert(path);
+    return path;
 }
 
 }  // namespace wizard

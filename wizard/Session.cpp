@@ -31,13 +31,20 @@ bool Originals::contains(const QString& path) const {
     return (id && files_.contains(*id)) || paths_.contains(resolved(file));
 }
 
-void Session::addFile(const QString& path) {
-    append(lstFiles, path);
+void Session::handOver(const QStringList& playlist) {
+    const QStringList added = lstFiles.stringList().last(lstFiles2.rowCount());
+    lstFiles.setStringList(playlist + added);
 }
 
 void Session::addFileAndName(const QString& path) {
     append(lstFiles, path);
     append(lstFiles2, bareName(path));
+}
+
+// What was added inside the wizard stands at the end of lstFiles, behind the playlist.
+void Session::remove(int added) {
+    lstFiles.removeRow(lstFiles.rowCount() - lstFiles2.rowCount() + added);
+    lstFiles2.removeRow(added);
 }
 
 void Session::stop() {

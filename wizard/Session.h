@@ -34,9 +34,13 @@ struct Session {
     QStringListModel lstFiles2;  ///< bare names of those that were added inside the wizard
     QStringListModel List1;      ///< full paths of the results, in the order of lstFiles
     Originals originals;         ///< what the run in hand must not write
+    std::set<int> sounding;      ///< rows of List1 that hold sound this run wrote
 
-    void addFile(const QString& path);         ///< into lstFiles, as the playlist is handed over
+    /// The playlist, in the place of what it handed over before; what was added inside the wizard
+    /// stays behind it.
+    void handOver(const QStringList& playlist);
     void addFileAndName(const QString& path);  ///< into lstFiles and lstFiles2
+    void remove(int added);                    ///< a row of lstFiles2, with its row of lstFiles
     void stop();                               ///< ends the running pass or round after its file
 };
 

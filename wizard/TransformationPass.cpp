@@ -33,9 +33,10 @@ bool TransformationPass::run() {
 
 QString TransformationPass::originalInTheWay() const {
     const Options options = ports_.view.options();
+    ResultPaths paths;
+    QString name = session_.settings.FileName;
     for (const QString& path : session_.lstFiles.stringList()) {
-        const QString stem = options.hasPrefix ? session_.settings.FileName : outputStem(path);
-        const QString output = outputPath(options, stem);
+        const QString output = paths.next(path, options, name);
         if (session_.originals.contains(output)) return output;
     }
     return {};
@@ -44,6 +45,8 @@ QString TransformationPass::originalInTheWay() const {
 void TransformationPass::transformAll() {
     editor_.CloseSound();
     session_.List1.setStringList({});
+    session_.sounding.clear();
+    paths_ = {};
     ports_.bar.setMaximum(session_.lstFiles.rowCount());
 
     auto& i_count = session_.settings.i_count;
@@ -53,8 +56,7 @@ void TransformationPass::transformAll() {
     for (i_count = 0; more(); ++i_count) {
         const QString path = session_.lstFiles.stringList().at(i_count);
         ports_.view.selectFile(i_count);
-        transform(path);
-        append(session_.List1, outputPath_);
+        keepResult(transform(path));
         ports_.bar.setValue(i_count + 1);
     }
 
@@ -63,7 +65,17 @@ void TransformationPass::transformAll() {
     ports_.bar.setValue(0);
 }
 
-void TransformationPass::transform(const QString& path) {
+// A later file of the same path takes an earlier one's place on the disk.
+void TransformationPass::keepResult(bool written) {
+    const int row = session_.List1.rowCount();
+    append(session_.List1, outputPath_);
+    if (!written) return;
+    const QStringList results = session_.List1.stringList();
+    std::erase_if(session_.sounding, [&](int other) { return results[other] == outputPath_; });
+    session_.sounding.insert(row);
+}
+
+bool TransformationPass::transform(const QString& path) {
     const Options options = ports_.view.options();
     Attempts attempt(ports_.view, path);
     session_.originals.add(path);
@@ -72,9 +84,7 @@ void TransformationPass::transform(const QString& path) {
     applyEffects(attempt, options);
     fade(attempt, options);
     editor_.SetKeepTags(true);
-    // A prefix keeps the name of the file before, and is itself never used.
-    if (!options.hasPrefix) session_.settings.FileName = outputStem(path);
-    save(attempt, options);
+    return save(attempt, path, options);
 }
 
 void TransformationPass::applyEffects(Attempts& attempt, const Options& options) {
@@ -108,21 +118,22 @@ void TransformationPass::fadeRange(std::int32_t start, std::int32_t end, float f
     editor_.Fade(from, to);
 }
 
-void TransformationPass::save(Attempts& attempt, const Options& options) {
-    const QString ending = fileEnding(options.format);
-    if (ending.isEmpty()) return;
+bool TransformationPass::save(Attempts& attempt, const QString& path, const Options& options) {
     Settings& settings = session_.settings;
+    const QString ending = fileEnding(options.format);
+    const QString output = paths_.next(path, options, settings.FileName);
+    if (ending.isEmpty()) return false;
     readFormat(options, settings);
     if (options.tags == TagChoice::LeaveAsIs) editor_.SetKeepTags(true);
     if (options.tags == TagChoice::Strip) editor_.SetKeepTags(false);
-    outputPath_ = outputPath(options, settings.FileName);
+    outputPath_ = output;
     attempt([&] {
         if (ending == u"wav"_s)
             editor_.SetOutputFormatWav(settings.Freq, settings.Chan, settings.my_wav_bitrate);
         else
             editor_.SetOutputFormatMp3(settings.Freq, settings.my_wav_bitrate, settings.Chan);
     });
-    attempt([&] { guardedSave(editor_, session_.originals, outputPath_, false); });
+    return attempt([&] { guardedSave(editor_, session_.originals, outputPath_, false); });
 }
 
 }  // namespace wizard

@@ -7,6 +7,7 @@
 
 #include "effects/engine/Editor.h"
 #include "wizard/Attempts.h"
+#include "wizard/Naming.h"
 #include "wizard/RunView.h"
 #include "wizard/Session.h"
 
@@ -18,8 +19,9 @@ namespace wizard {
 /// fades, the format, the tag choice and the cross fade.
 ///
 /// A step that fails is passed over and the next one is taken; the results list gets every file's
-/// path all the same. The originals are never written: where the target folder holds one of them
-/// under a result's name, that is a reason against the run.
+/// path all the same, but only what was written takes part in the rounds. The originals are never
+/// written: where the target folder holds one of them under a result's name, that is a reason
+/// against the run.
 ///
 /// Runs in the caller's thread and yields only through the engine's progress. session.stop() ends
 /// the loop after the file in hand.
@@ -35,15 +37,18 @@ class TransformationPass {
   private:
     QString originalInTheWay() const;
     void transformAll();
-    void transform(const QString& path);
+    bool transform(const QString& path);
+    void keepResult(bool written);
     void applyEffects(Attempts& attempt, const Options& options);
     void fade(Attempts& attempt, const Options& options);
     void fadeRange(std::int32_t start, std::int32_t end, float from, float to);
-    void save(Attempts& attempt, const Options& options);
+    /// Whether the result was written.
+    bool save(Attempts& attempt, const QString& path, const Options& options);
 
     effects::Editor& editor_;
     Session& session_;
     RunPorts ports_;
+    ResultPaths paths_;
     QString outputPath_;  ///< the last one built, which a file of no format repeats
 };
 

@@ -6,6 +6,7 @@
 #include <iostream>
 #include <map>
 #include <random>
+#include <set>
 
 #include <QDir>
 #include <QFile>
@@ -53,7 +54,7 @@ class MixTest : public testing::Test {
                                  u"s16le"_s,    u"-ar"_s,       u"44100"_s, u"-ac"_s,
                                  u"2"_s,        u"-i"_s,        raw};
         EXPECT_EQ(support::run(u"ffmpeg"_s, arguments + encoding + QStringList{path}).exitCode, 0);
-        session.addFile(path);
+        wizard::append(session.lstFiles, path);
         return path;
     }
 
@@ -154,28 +155,98 @@ TEST_F(MixTest, SoItIsWithEveryStepTicked) {
     EXPECT_TRUE(view.failures.isEmpty()) << view.failures.join(u'\n').toStdString();
 }
 
-TEST_F(MixTest, ATrackShorterThanTheOverlapStaysWhole) {
-    track(u"A.wav"_s, 6.0);
-    track(u"B.wav"_s, 1.5);
-    track(u"C.wav"_s, 5.0);
-    const auto tracks = decoded(run(u"plain"_s, false));
-    session.settings.crossfade_value = 3000;
-    const auto results = decoded(run(u"mix"_s, true));
-    ASSERT_EQ(results.size(), 3U);
-    ASSERT_EQ(view.failures.size(), 1) << view.failures.join(u'\n').toStdString();
-    EXPECT_TRUE(view.failures.first().contains(u"B.wav"_s));
-    // Nothing would be left of B without its head, so it keeps it and is not heard over A.
-    EXPECT_EQ(results[0], tracks[0]);
-    // C's head ends where B ends, as ever; what of it lies before B's beginning has no place.
-    ASSERT_EQ(results[1].size(), tracks[1].size());
-    const Samples head(tracks[2].begin() + std::ptrdiff_t(1.5 * Rate) * Channels,
-                       tracks[2].begin() + 3 * Rate * Channels);
-    std::vector<bool> shared;
-    EXPECT_LE(
-        support::maxDifference(results[1], overlapped({tracks[1], head}, head.size(), shared)),
-        1.01 * OneStep);
-    EXPECT_EQ(results[2], Samples(tracks[2].begin() + 3 * Rate * Channels, tracks[2].end()));
-    EXPECT_EQ(view.burnQuestions, 1);
+/// The files of a mix as they must be, by arithmetic of the test's own. A track that is longer than
+/// the overlap gives its head to the file before, the others are joined end to start. `shared`
+/// tells of every sample of the mix whether two tracks are heard in it.
+std::vector<Samples> expectedFiles(const std::vector<Samples>& tracks, std::size_t overlap,
+                                   std::vector<std::vector<bool>>& shared) {
+    std::vector<Samples> files;
+    for (const Samples& track : tracks) {
+        const bool cut = !files.empty() && track.size() > overlap;
+        const std::size_t head = cut ? overlap : 0;
+        if (cut) {
+            Samples& before = files.back();
+            const std::size_t start = before.size() > head ? before.size() - head : 0;
+            const std::size_t common = std::min(head, before.size());
+            before.resize(start + head);
+            shared.back().resize(start + head);
+            for (std::size_t i = 0; i < head; ++i) {
+                before[start + i] =
+                    std::clamp(before[start + i] + track[i], -1.0F, 1 - float(OneStep));
+                if (i < common) shared.back()[start + i] = true;
+            }
+        }
+        files.emplace_back(track.begin() + std::ptrdiff_t(head), track.end());
+        shared.emplace_back(track.size() - head);
+    }
+    return files;
+}
+
+TEST_F(MixTest, WhateverTheLengthsEverySampleOfEveryTrackIsHeardOnceInOrder) {
+    std::mt19937 random(20);
+    for (int round = 0; round < 8; ++round) {
+        session.lstFiles.setStringList({});
+        session.settings.crossfade_value = std::uniform_int_distribution(200, 2500)(random);
+        std::uniform_real_distribution<double> seconds(0.1, 4.0);
+        std::set<int> broken;
+        const int count = std::uniform_int_distribution(2, 6)(random);
+        for (int n = 0; n < count; ++n) {
+            const QString path = track(u"%1_%2.wav"_s.arg(round).arg(n), seconds(random));
+            if (random() % 4 == 0) {
+                broken.insert(n);
+                QFile(path).resize(40);
+            }
+        }
+        view.failures.clear();
+        const QStringList plain = run(u"plain"_s, false);
+        EXPECT_EQ(view.failures.size(), qsizetype(broken.size()));
+        view.failures.clear();
+        const QStringList mixed = run(u"mix"_s, true);
+        EXPECT_EQ(view.failures.size(), qsizetype(broken.size()))
+            << view.failures.join(u'\n').toStdString();
+
+        std::vector<Samples> tracks, files;
+        for (int n = 0; n < count; ++n) {
+            if (broken.contains(n)) continue;
+            tracks.push_back(decoded({plain[n]}).front());
+            files.push_back(decoded({mixed[n]}).front());
+        }
+        const auto overlap = static_cast<std::size_t>(
+            std::llround(session.settings.crossfade_value * (Rate / 1000.0)));
+        std::vector<std::vector<bool>> shared;
+        const auto expected = expectedFiles(tracks, overlap * Channels, shared);
+        for (std::size_t file = 0; file < files.size(); ++file) {
+            SCOPED_TRACE(mixed[int(file)].toStdString());
+            ASSERT_EQ(files[file].size(), expected[file].size());
+            for (std::size_t i = 0; i < files[file].size(); ++i)
+                ASSERT_NEAR(files[file][i], expected[file][i], shared[file][i] ? 1.01 * OneStep : 0)
+                    << "at sample " << i;
+        }
+    }
+}
+
+TEST_F(MixTest, TheTracksAroundABrokenOneAreMixed) {
+    track(u"A.wav"_s, 4.0);
+    QFile(track(u"B.wav"_s, 4.0)).resize(30);
+    track(u"C.wav"_s, 4.0);
+    const QStringList plain = run(u"plain"_s, false);
+    session.settings.crossfade_value = 1000;
+    const QStringList mixed = run(u"mix"_s, true);
+    EXPECT_EQ(mixed.size(), 3);  // the list of results stays as it is
+    expectMix(decoded({plain[0], plain[2]}), decoded({mixed[0], mixed[2]}), Rate);
+}
+
+TEST_F(MixTest, AResultOfAnEarlierRunTakesNoPart) {
+    track(u"A.wav"_s, 4.0);
+    const QString second = track(u"B.wav"_s, 4.0);
+    session.settings.crossfade_value = 1000;
+    const QStringList earlier = run(u"mix"_s, true);
+    const auto stale = support::readBytes(platform::toPath(earlier[1]));
+    QFile(second).resize(30);
+    const QStringList plain = run(u"plain"_s, false);
+    const QStringList mixed = run(u"mix"_s, true);
+    EXPECT_EQ(support::readBytes(platform::toPath(mixed[1])), stale);
+    EXPECT_EQ(decoded({mixed[0]}), decoded({plain[0]}));
 }
 
 TEST_F(MixTest, FiftySecondsOfOverlapOnShortTracksEndInOrder) {
@@ -233,7 +304,7 @@ TEST_F(MixTest, AStaleHeadOfAnEarlierRunIsNeverHeard) {
     QFile::remove(folder.file(u"mix/B.wav"_s));
     const auto results = run(u"mix"_s, true);
     EXPECT_EQ(decoded({results[0]}).front(), tracks[0]);
-    EXPECT_EQ(view.failures.size(), 2);
+    EXPECT_EQ(view.failures.size(), 1);
 }
 
 TEST_F(MixTest, OriginalsAreOnlyRead) {
@@ -323,8 +394,8 @@ TEST_F(MixTest, AnUnreadableFileIsPassedOverAndNamed) {
     track(u"A.wav"_s, 3.0);
     const QString broken = folder.file(u"in/broken.wav"_s);
     QFile(broken).open(QIODevice::WriteOnly);
-    session.addFile(broken);
-    session.addFile(folder.file(u"in/missing.mp3"_s));
+    wizard::append(session.lstFiles, broken);
+    wizard::append(session.lstFiles, folder.file(u"in/missing.mp3"_s));
     track(u"B.wav"_s, 3.0);
     const QStringList results = run(u"mix"_s, false);
     EXPECT_EQ(results.size(), 4);
@@ -346,7 +417,7 @@ TEST_F(MixTest, Mp3FilesJoinWithoutAGapOrAClick) {
     // Music that goes on over the join: there every click would be heard.
     const QString music = platform::toQString(support::fixture("music.wav"));
     for (const QString& name : {u"A.wav"_s, u"B.wav"_s}) {
-        session.addFile(folder.file(u"in/"_s + name));
+        wizard::append(session.lstFiles, folder.file(u"in/"_s + name));
         ASSERT_TRUE(QFile::copy(music, folder.file(u"in/"_s + name)));
     }
     session.settings.crossfade_value = 5000;

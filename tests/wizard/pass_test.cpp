@@ -15,7 +15,8 @@ namespace {
 class PassTest : public testing::Test {
   protected:
     void addFiles(int count) {
-        for (int n = 1; n <= count; ++n) session.addFile(u"/in/Song%1.mp3"_s.arg(n));
+        for (int n = 1; n <= count; ++n)
+            wizard::append(session.lstFiles, u"/in/Song%1.mp3"_s.arg(n));
     }
     QStringList run() {
         wizard::TransformationPass pass(editor, session, view.all());
@@ -109,7 +110,7 @@ TEST_F(PassTest, WritesMp3WithRateBitRateAndChannels) {
 }
 
 TEST_F(PassTest, CutsThreeCharactersOfAnyName) {
-    session.addFile(u"/in/Track.flac"_s);
+    wizard::append(session.lstFiles, u"/in/Track.flac"_s);
     run();
     EXPECT_EQ(session.List1.stringList(), QStringList{u"/out/Track.fwav"_s});
 }
@@ -171,7 +172,7 @@ TEST_F(PassTest, TakesInFilesThatAreAddedMeanwhile) {
     addFiles(1);
     bool added = false;
     editor.during = [&](const QString&) {
-        if (!std::exchange(added, true)) session.addFile(u"/in/Late.ogg"_s);
+        if (!std::exchange(added, true)) wizard::append(session.lstFiles, u"/in/Late.ogg"_s);
     };
     run();
     EXPECT_EQ(session.List1.stringList().last(), u"/out/Late.wav"_s);
@@ -226,6 +227,31 @@ TEST_F(PassTest, AWindowThatGoesAwayEndsItInSilence) {
     EXPECT_EQ(view.burnQuestions, 0);
 }
 
+TEST_F(PassTest, TwoSongsOfOneNameGetTwoResults) {
+    session.lstFiles.setStringList(
+        {u"/one/Song.mp3"_s, u"/two/Song.mp3"_s, u"/one/Song (2).mp3"_s, u"/one/Song.mp3"_s});
+    run();
+    EXPECT_EQ(session.List1.stringList(),
+              (QStringList{u"/out/Song.wav"_s, u"/out/Song (2).wav"_s, u"/out/Song (2) (2).wav"_s,
+                           u"/out/Song (3).wav"_s}));
+    EXPECT_EQ(session.sounding, (std::set<int>{0, 1, 2, 3}));
+}
+
+TEST_F(PassTest, OnlyWhatThisRunWroteIsKnownToSound) {
+    addFiles(3);
+    editor.fails = [](const QString& call) { return call == u"Save(/out/Song2.wav, false, 0)"_s; };
+    run();
+    EXPECT_EQ(session.List1.rowCount(), 3);
+    EXPECT_EQ(session.sounding, (std::set<int>{0, 2}));
+}
+
+TEST_F(PassTest, OfResultsThatShareAPathTheLastOneSounds) {
+    addFiles(3);
+    view.chosen.hasPrefix = true;
+    run();
+    EXPECT_EQ(session.sounding, (std::set<int>{2}));
+}
+
 class OriginalsTest : public PassTest {
   protected:
     QString make(const QString& name) {
@@ -237,35 +263,39 @@ class OriginalsTest : public PassTest {
 };
 
 TEST_F(OriginalsTest, ATargetThatHoldsAnOriginalIsRefused) {
-    session.addFile(make(u"Song.wav"_s));
+    wizard::append(session.lstFiles, make(u"Song.wav"_s));
     view.chosen.targetPath = folder.file({});
     EXPECT_TRUE(run().isEmpty());
     EXPECT_TRUE(reason.contains(folder.file(u"Song.wav"_s)));
 }
 
 TEST_F(OriginalsTest, SoIsOneThatLeadsToItByALink) {
-    session.addFile(make(u"Song.wav"_s));
+    wizard::append(session.lstFiles, make(u"Song.wav"_s));
     ASSERT_TRUE(QFile::link(folder.file({}), folder.file(u"link"_s)));
     view.chosen.targetPath = folder.file(u"link/"_s);
     EXPECT_TRUE(run().isEmpty());
 }
 
 TEST_F(OriginalsTest, AnotherEndingIsNoDanger) {
-    session.addFile(make(u"Song.mp3"_s));
+    wizard::append(session.lstFiles, make(u"Song.mp3"_s));
     view.chosen.targetPath = folder.file({});
     run();
     EXPECT_TRUE(editor.calls.contains(u"Save(%1, false, 0)"_s.arg(folder.file(u"Song.wav"_s))));
 }
 
 TEST_F(OriginalsTest, AHeadFileNeverReplacesAnOriginal) {
-    session.addFile(u"/in/Song.mp3"_s);
-    session.addFile(make(u"1_wav"_s));
+    session.lstFiles.setStringList({u"/in/a.mp3"_s, u"/in/b.mp3"_s});
     view.chosen.targetPath = folder.file({});
-    view.chosen.hasPrefix = view.chosen.crossFade = true;  // every result is named "wav"
+    view.chosen.crossFade = true;
+    session.settings.crossfade_value = 1000;
+    const QString original = make(u"1_b.wav"_s);
+    editor.during = [&](const QString& call) {  // added when the run has begun
+        if (call == u"Load(/in/b.mp3)"_s) wizard::append(session.lstFiles, original);
+    };
     run();
-    EXPECT_TRUE(editor.calls.contains(u"Save(%1, false, 0)"_s.arg(folder.file(u"wav"_s))));
-    EXPECT_TRUE(editor.calls.filter(u"1_wav, true"_s).isEmpty());
-    EXPECT_FALSE(view.failures.isEmpty());
+    EXPECT_TRUE(editor.calls.contains(u"Save(%1, true, 0)"_s.arg(folder.file(u"1_b (2).wav"_s))));
+    EXPECT_TRUE(editor.calls.filter(u"Save(%1,"_s.arg(original)).isEmpty());
+    EXPECT_EQ(view.failures.size(), 1);
 }
 
 }  // namespace

@@ -15,11 +15,16 @@ class RoundsTest : public testing::Test {
   protected:
     QStringList run(const QStringList& results) {
         session.List1.setStringList(results);
+        for (int row = 0; row < results.size(); ++row)
+            if (!failed.contains(row)) session.sounding.insert(row);
         wizard::CrossFadeRounds(editor, session, view.all()).run();
         return editor.calls;
     }
 
+    void SetUp() override { editor.length = 60 * 44100; }
+
     support::FakeEditor editor;
+    std::set<int> failed;  // rows that the pass could not write
     wizard::Session session;
     support::RecordingView view;
 };
@@ -27,6 +32,7 @@ class RoundsTest : public testing::Test {
 const QStringList Three = {u"/out/A.wav"_s, u"/out/B.wav"_s, u"/out/C.wav"_s};
 
 TEST_F(RoundsTest, CallsTheEngineInTheFixedOrder) {
+    editor.length = 441000;
     session.settings.crossfade_value = 5000;
     EXPECT_EQ(run({u"/out/A.wav"_s, u"/out/B.wav"_s}), (QStringList{
                                                            u"CloseSound()"_s,
@@ -74,11 +80,47 @@ TEST_F(RoundsTest, ASingleEntryRunsNeitherLoopButIsOfferedForBurning) {
     EXPECT_EQ(view.burnQuestions, 1);
 }
 
-TEST_F(RoundsTest, AnOverlapLongerThanTheTrackStartsBeforeIt) {
-    session.settings.crossfade_value = 50000;
+TEST_F(RoundsTest, ATrackThatIsNoLongerThanTheOverlapKeepsItsHead) {
+    session.settings.crossfade_value = 60000;
     run({u"/out/A.wav"_s, u"/out/B.wav"_s});
-    EXPECT_TRUE(editor.calls.contains(u"SetSelectionStart(-1764000)"_s));
-    EXPECT_EQ(editor.calls.last(), u"SetSelectionActive(false)"_s);
+    EXPECT_TRUE(editor.calls.filter(u"true, 0)"_s).isEmpty());  // no head file
+    EXPECT_TRUE(editor.calls.filter(u"DeleteSelection"_s).isEmpty());
+    EXPECT_TRUE(editor.calls.filter(u"MixFile"_s).isEmpty());
+    EXPECT_TRUE(view.failures.isEmpty());
+}
+
+TEST_F(RoundsTest, AHeadLongerThanTheTrackBeforeStartsBeforeIt) {
+    session.settings.crossfade_value = 20000;
+    editor.during = [&](const QString& call) {
+        if (call.startsWith(u"Load"_s))
+            editor.length = call.contains(u"A.wav"_s) ? 441000 : 2000000;
+    };
+    run({u"/out/A.wav"_s, u"/out/B.wav"_s});
+    EXPECT_TRUE(editor.calls.contains(u"SetSelectionStart(-441000)"_s));
+    EXPECT_TRUE(editor.calls.contains(u"MixFile(/out/1_B.wav, 100, 100)"_s));
+}
+
+TEST_F(RoundsTest, ATrackWithoutSoundIsPassedOver) {
+    failed = {1};
+    run(Three);
+    EXPECT_TRUE(editor.calls.filter(u"B.wav"_s).isEmpty());  // a file of an earlier run, perhaps
+    EXPECT_EQ(editor.calls.filter(u"MixFile"_s), QStringList{u"MixFile(/out/2_C.wav, 100, 100)"_s});
+    EXPECT_TRUE(editor.calls.contains(u"Save(/out/A.wav, false, 0)"_s));
+}
+
+TEST_F(RoundsTest, TheFirstTrackThatHasSoundKeepsItsHead) {
+    failed = {0};
+    run(Three);
+    EXPECT_TRUE(editor.calls.filter(u"1_B.wav"_s).isEmpty());
+    EXPECT_EQ(editor.calls.filter(u"MixFile"_s), QStringList{u"MixFile(/out/2_C.wav, 100, 100)"_s});
+}
+
+TEST_F(RoundsTest, AHeadFileNeverReplacesATrack) {
+    run({u"/out/1_b.wav"_s, u"/out/b.wav"_s});
+    EXPECT_EQ(editor.calls.filter(u"true, 0)"_s),
+              QStringList{u"Save(/out/1_b (2).wav, true, 0)"_s});
+    EXPECT_EQ(editor.calls.filter(u"MixFile"_s),
+              QStringList{u"MixFile(/out/1_b (2).wav, 100, 100)"_s});
 }
 
 TEST_F(RoundsTest, AStartThatIsNoPositionEndsTheRound) {

@@ -30,7 +30,8 @@ class WizardRun : public support::WizardWindow {
 
     void addFixtures(const QStringList& names) {
         for (const QString& name : names)
-            window->addPlaylistFile(platform::toQString(support::fixture(name.toStdString())));
+            playlist << platform::toQString(support::fixture(name.toStdString()));
+        window->handOver(playlist);
     }
 
     /// Links to one sound that takes the engine long enough to be watched.
@@ -45,8 +46,9 @@ class WizardRun : public support::WizardWindow {
         for (int n = 1; n <= count; ++n) {
             const QString name = folder.file(u"long%1.wav"_s.arg(n));
             ASSERT_TRUE(QFile::link(sound, name));
-            window->addPlaylistFile(name);
+            playlist << name;
         }
+        window->handOver(playlist);
     }
 
     void setTarget(const QString& path) {
@@ -55,6 +57,8 @@ class WizardRun : public support::WizardWindow {
         support::type(field, path);
     }
     QString out(const QString& name = {}) { return folder.file(u"out/"_s + name); }
+
+    QStringList playlist;  // what was handed over
 
     /// Runs a step at the engine's first progress on the given entry of lstFiles.
     void duringFile(int row, const std::function<void()>& step) {
@@ -129,7 +133,7 @@ TEST_F(WizardRun, APrefixGivesEveryFileTheNameBefore) {
 }
 
 TEST_F(WizardRun, AFileThatCannotBeReadIsNamedBesideThePreview) {
-    window->addPlaylistFile(folder.file(u"missing.mp3"_s));
+    playlist << folder.file(u"missing.mp3"_s);
     addFixtures({u"tone.wav"_s});
     setTarget(out());
     const auto seen = answerMessageBox(QMessageBox::Ok);
@@ -144,7 +148,7 @@ TEST_F(WizardRun, AFileThatCannotBeReadIsNamedBesideThePreview) {
 TEST_F(WizardRun, NeverWritesOverAnOriginal) {
     const auto copy = support::scratchCopy("tone.wav", folder.path());
     const auto before = support::readBytes(copy);
-    window->addPlaylistFile(platform::toQString(copy));
+    window->handOver({platform::toQString(copy)});
     setTarget(folder.file({}));
     tick(8);
     const auto seen = answerMessageBox(QMessageBox::Ok);

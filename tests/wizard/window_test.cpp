@@ -251,7 +251,7 @@ TEST_F(WizardForm, ABoxOfItsOwnForgetsNothing) {
 }
 
 TEST_F(WizardForm, AddsOneOrSeveralFilesToBothLists) {
-    window->addPlaylistFile(u"/music/handed over.mp3"_s);
+    window->handOver({u"/music/handed over.mp3"_s});
     const QString one = addFile(u"Ünï 'one'.wav"_s);
     const auto seen = support::answerFileDialog(one);
     press("Button38");

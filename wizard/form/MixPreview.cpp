@@ -54,11 +54,12 @@ void MixPreview::show(const QStringList& paths, const Shape& shape) {
 }
 
 void MixPreview::setCurrent(int track) {
+    current_ = track;
     view_->setCurrent(track);
 }
 
 void MixPreview::addFailure(const QString& sentence) {
-    failures_ << sentence;
+    if (!failures_.contains(current_)) failures_.insert(current_, sentence);
     refreshSoon();
 }
 
@@ -87,7 +88,7 @@ void MixPreview::refresh() {
     total_->setText(totalText(mix.seconds));
     total_->setStyleSheet(mix.seconds > DiscSeconds ? u"color: #ff7b72;"_s : QString());
     note_->setText(noteText());
-    note_->setToolTip(widgets::plainToolTip(failures_.join(u'\n')));
+    note_->setToolTip(widgets::plainToolTip(failures_.values().join(u'\n')));
     note_->setStyleSheet(failures_.isEmpty() ? QString() : u"color: #ff7b72;"_s);
     view_->setMix(mix, std::move(tracks), shape_.fades, shape_.normalize);
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QMap>
 #include <QStringList>
 #include <QTimer>
 #include <QWidget>
@@ -33,7 +34,8 @@ class MixPreview : public QWidget {
     void show(const QStringList& paths, const Shape& shape);
     /// Marks the track in hand; -1 = none.
     void setCurrent(int track);
-    /// What went wrong in a run, to be read where the tracks are.
+    /// What went wrong with the track in hand, to be read where the tracks are; the first sentence
+    /// of each track is kept.
     void addFailure(const QString& sentence);
     void clearFailures();
     /// Ends the reading of files.
@@ -49,7 +51,8 @@ class MixPreview : public QWidget {
 
     QStringList paths_;
     Shape shape_;
-    QStringList failures_;
+    int current_ = -1;
+    QMap<int, QString> failures_;  // by track
     TrackScanner scanner_;
     QTimer soon_;  // so that many changes in a row are drawn once
     TimelineView* view_;

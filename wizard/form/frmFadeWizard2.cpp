@@ -159,8 +159,11 @@ void frmFadeWizard2::closeEvent(QCloseEvent* event) {
     event->accept();
 }
 
-void frmFadeWizard2::addPlaylistFile(const QString& path) {
-    session_.addFile(path);
+void frmFadeWizard2::handOver(const QStringList& playlist) {
+    if (running_) return;
+    session_.handOver(playlist);
+    ui_->List1->hide();
+    ui_->lstFiles->show();
 }
 
 int frmFadeWizard2::fileCount() const {

@@ -47,8 +47,9 @@ class frmFadeWizard2 : public QMainWindow, private RunView {
     explicit frmFadeWizard2(std::unique_ptr<effects::Editor> editor, QWidget* parent = nullptr);
     ~frmFadeWizard2() override;
 
-    /// Adds a file of the playlist to lstFiles.
-    void addPlaylistFile(const QString& path);
+    /// Puts the playlist into lstFiles, in the place of what was handed over before. A run that is
+    /// under way keeps its list.
+    void handOver(const QStringList& playlist);
     int fileCount() const;
 
     /// Shows the window in front of the others.

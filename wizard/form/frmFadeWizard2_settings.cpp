@@ -87,11 +87,8 @@ void frmFadeWizard2::Button38_Click() {
 
 void frmFadeWizard2::Button1_Click() {
     const QItemSelectionModel* selection = ui_->lstFiles2->selectionModel();
-    for (int index = session_.lstFiles2.rowCount() - 1; index >= 0; --index) {
-        if (!selection->isRowSelected(index)) continue;
-        session_.lstFiles.removeRow(index);
-        session_.lstFiles2.removeRow(index);
-    }
+    for (int index = session_.lstFiles2.rowCount() - 1; index >= 0; --index)
+        if (selection->isRowSelected(index)) session_.remove(index);
 }
 
 void frmFadeWizard2::Button2_Click() {
