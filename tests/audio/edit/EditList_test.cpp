@@ -104,14 +104,14 @@ TEST_F(EditListTest, AnEchoIsReadAcrossCuts) {
               std::vector(whole.begin() + 400, whole.end()));
 }
 
-TEST_F(EditListTest, AMixBeginsWhereItIsTold) {
+TEST_F(EditListTest, AMixEndsWithTheShorterSound) {
     const auto other = std::make_shared<NumberedMaterial>(30);
     list.replace({200, 240}, std::make_shared<MixMaterial>(list.slice({200, 240}), 2.0,
-                                                           MixMaterial::Other{other, 10, 0.5}));
+                                                           MixMaterial::Other{other, 0.5}));
     const auto sound = rendered(list);
-    EXPECT_EQ(sound[200], 402.0F + 5.5F);
-    EXPECT_EQ(sound[219], 440.0F + 15.0F);
-    EXPECT_EQ(sound[220], 442.0F);
+    EXPECT_EQ(sound[200], 402.0F + 0.5F);
+    EXPECT_EQ(sound[229], 460.0F + 15.0F);
+    EXPECT_EQ(sound[230], 462.0F);
     EXPECT_EQ(sound[240], 241.0F);
 }
 
