@@ -76,7 +76,9 @@ void CaptureBench::list(const QStringList& names) {
 }
 
 std::vector<float> CaptureBench::pull(std::size_t frames, int rate) {
+    // The name is there once the mixer's sound goes to the device.
     const auto ready = [this, rate] {
+        if (engine_->OutputName() != u"memory"_s) return false;
         const std::lock_guard lock(slot_->mutex);
         return slot_->device && slot_->device->rate() == rate;
     };

@@ -160,8 +160,6 @@ TEST(Gapless, AHigherRateAtAJoinRaisesTheDevicesAndLosesNoFrame) {
     const auto third = bench.pullUntil(u"ended 0 2"_s, 96000);
     EXPECT_GT(peak(cut(third, 0, 192000)), 0.1);
     EXPECT_EQ(peak(cut(third, 192000, third.size())), 0.0);
-    EXPECT_EQ(bench.events.filter(u"now"_s),
-              (QStringList{u"now 0 0"_s, u"now 0 1"_s, u"now 0 2"_s}));
 }
 
 TEST(Gapless, ASeekBackWhileTheRateIsAboutToRise) {
