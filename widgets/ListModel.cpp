@@ -92,17 +92,12 @@ QVariant ListModel::data(const QModelIndex& index, int role) const {
         if (role == Qt::DecorationRole && index.column() == 0)
             return QApplication::style()->standardIcon(QStyle::SP_MessageBoxWarning);
     }
-    const QString text = cell(index.row(), index.column());
-    if (role == Qt::DisplayRole) return text;
-    if (role == Qt::ToolTipRole) return plainToolTip(text);
-
     const bool plays = index.row() == playing_;
-    if (role == Qt::DisplayRole && plays && index.column() == 0)
-        return u"▶ "_s + cell(index.row(), 0);
+    const QString text = cell(index.row(), index.column());
+    if (role == Qt::DisplayRole) return plays && index.column() == 0 ? u"▶ "_s + text : text;
+    if (role == Qt::ToolTipRole) return plainToolTip(text);
     if (role == Qt::FontRole && plays) return bold();
     if (role == Qt::AccessibleDescriptionRole && plays) return u"Playing"_s;
-    if (role == Qt::DisplayRole || role == Qt::ToolTipRole)
-        return cell(index.row(), index.column());
     return {};
 }
 
