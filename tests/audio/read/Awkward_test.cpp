@@ -161,13 +161,14 @@ TEST_F(Awkward, JunkBeforeAndBehindMpegSound) {
               0);
 }
 
-TEST_F(Awkward, ALastFrameCutIsLeftOut) {
+TEST_F(Awkward, ALastFrameCutIsHeardAsOtherDecodersHearIt) {
     Bytes sound = support::readBytes(support::fixture("tone-untagged.mp3"));
     const std::vector<float> whole = reading::readAll(support::fixture("tone-untagged.mp3"));
     sound.resize(sound.size() - 100);
-    const std::vector<float> cut = reading::readAll(save("cut.mp3", sound));
-    ASSERT_EQ(cut.size(), whole.size() - 2 * 1'152);
-    EXPECT_TRUE(std::equal(cut.begin(), cut.end(), whole.begin()));
+    const std::filesystem::path file = save("cut.mp3", sound);
+    const std::vector<float> cut = reading::readAll(file);
+    ASSERT_EQ(cut.size(), support::decodeWithFfmpeg(file).samples.size());
+    EXPECT_TRUE(std::equal(cut.begin(), cut.end() - 2 * 1'152, whole.begin()));
 }
 
 TEST_F(Awkward, TwoMpegFilesInOneAreHeardToTheEnd) {
