@@ -156,9 +156,8 @@ class MpegSave {
     SaveReport joinFrames(const mpeg::FrameIndex& index) {
         const auto& path = job_.source->path();
         if (const auto percent = onlyGain(job_)) {
-            const auto gainSteps = mpeg::exactGainSteps(*percent);
-            if (gainSteps && index.header().layer == 3 && tryGain(index, *gainSteps))
-                return report_;
+            const auto gainSteps = mpeg::exactGainSteps(*percent, index.header().layer);
+            if (gainSteps && tryGain(index, *gainSteps)) return report_;
         }
         const auto outcome = mpeg::splice(path, index, planOf(job_), sink_, options_);
         const std::int64_t encoded = outcome.frames - outcome.keptFrames;

@@ -183,8 +183,8 @@ bool MpegSource::decodeNext() {
     packet_->data = nullptr;
     packet_->size = 0;
     const auto samples = static_cast<std::size_t>(entry.samples);
-    if (result.damaged || result.frames != samples) damaged_ = true;
     pending_.resize(samples * static_cast<std::size_t>(format_.channels));  // silence for the rest
+    if (limiter_.apply(pending_, result.damaged || result.frames != samples)) damaged_ = true;
     return true;
 }
 
@@ -243,6 +243,7 @@ void MpegSource::restartBefore(std::size_t number) {
     pending_.clear();
     pendingRaw_ = table_[first].raw;
     decoder_->flush();
+    limiter_.reset();
 }
 
 }  // namespace audio::read

@@ -7,6 +7,7 @@
 
 #include "audio/ffmpeg/Ffmpeg.h"
 #include "audio/ffmpeg/StreamDecoder.h"
+#include "audio/mpeg/read/DamageLimiter.h"
 #include "audio/mpeg/read/FrameScanner.h"
 #include "audio/mpeg/read/InfoTag.h"
 #include "audio/read/Source.h"
@@ -60,6 +61,7 @@ class MpegSource : public Decoder::Source {
     std::int64_t soundBytes_ = 0;
 
     std::optional<ffmpeg::StreamDecoder> decoder_;
+    mpeg::DamageLimiter limiter_;
     ffmpeg::PacketPtr packet_;
     std::vector<float> pending_;  ///< one decoded frame
     std::int64_t pendingRaw_ = 0;

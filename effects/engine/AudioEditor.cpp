@@ -34,6 +34,9 @@ class AudioEditor::Impl : public std::enable_shared_from_this<Impl> {
     /// The loaded sound; throws where there is none. Opens the file again where it has been saved
     /// over.
     Sound& loaded();
+    /// Where the sound can be cut without being encoded: between the frames of an MP2 file, which
+    /// cannot say that its sound begins or ends within one. Sound that was edited already has none.
+    std::int64_t cutGrid() const;
     /// Bits of the file's samples; of floats and lossy sound, what they are good for.
     int depth() const;
     FrameRange range() { return rangeInside(selection, loaded().list.frames()); }
@@ -101,6 +104,11 @@ void AudioEditor::Impl::requireSaved(const platform::file::Stamp& present) const
     if (present == savedOver) return;
     throw platform::Error("\"" + platform::toUtf8(sound.source->path()) +
                           "\" has been changed by another program since it was saved.");
+}
+
+std::int64_t AudioEditor::Impl::cutGrid() const {
+    const bool layerTwo = sound.source->format().codec == audio::Codec::Mp2;
+    return layerTwo && sound.list.isAllOf(*sound.source) ? 1152 : 1;
 }
 
 int AudioEditor::Impl::depth() const {
@@ -301,7 +309,8 @@ void AudioEditor::TrimSilence(float threshold, float windowMs, std::int32_t mode
     EditList list = impl->loaded().list;
     impl->run([&](Work& work) {
         const SilenceSettings settings{static_cast<double>(threshold),
-                                       static_cast<double>(windowMs), impl->depth()};
+                                       static_cast<double>(windowMs), impl->depth(),
+                                       range.start == 0 ? impl->cutGrid() : 1};
         const AudibleRange audible = measureAudible(list, range, settings, work);
         const auto [start, end] = audible.kept;
         if (audible.soundAtStart) list.applyGain({start, start + audible.fadeFrames}, 0, 1);

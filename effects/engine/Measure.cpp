@@ -96,10 +96,13 @@ AudibleRange measureAudible(const EditList& list, FrameRange range, const Silenc
     const WindowGrid grid(list.shape().sampleRate, settings.windowMs, sound.frames());
     work.begin(sound.frames());
     const double loudness = measureLoudness(sound, {0, sound.frames()}, work);
-    const FrameRange kept = audio::dsp::audibleRange(
+    FrameRange kept = audio::dsp::audibleRange(
         grid, loudness, settings.threshold, [&](std::size_t first, std::size_t count) {
             return measureWindows(sound, grid, first, count, work);
         });
+    kept.start = kept.start / settings.grid * settings.grid;
+    kept.end =
+        std::min(sound.frames(), (kept.end + settings.grid - 1) / settings.grid * settings.grid);
     AudibleRange audible{{range.start + kept.start, range.start + kept.end}};
     const std::int64_t edge = list.shape().sampleRate * edgeMs / 1000;
     audible.fadeFrames = std::min(edge, (kept.end - kept.start) / 2);

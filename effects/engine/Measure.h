@@ -23,7 +23,8 @@ std::string notNormalized(float peak);
 struct SilenceSettings {
     double threshold = -20;  ///< LU, the sign does not matter
     double windowMs = 100;
-    int bits = 16;  ///< of the file's samples, to tell silence at a cut from soft sound
+    int bits = 16;          ///< of the file's samples, to tell silence at a cut from soft sound
+    std::int64_t grid = 1;  ///< frames: what is left begins and ends at multiples of it
 };
 
 /// What is left of a range when the silence at its ends goes, in frames of the list; and whether

@@ -44,6 +44,7 @@ FrameDecoder::~FrameDecoder() = default;
 
 void FrameDecoder::reset() {
     avcodec_flush_buffers(context_.get());
+    limiter_.reset();
 }
 
 const std::vector<float>& FrameDecoder::decode(std::span<const std::uint8_t> frame) {
@@ -52,8 +53,13 @@ const std::vector<float>& FrameDecoder::decode(std::span<const std::uint8_t> fra
     input_.resize(frame.size() + AV_INPUT_BUFFER_PADDING_SIZE, 0);
     packet_->data = input_.data();
     packet_->size = static_cast<int>(frame.size());
-    if (avcodec_send_packet(context_.get(), packet_.get()) < 0) return output_;
-    if (avcodec_receive_frame(context_.get(), frame_.get()) < 0) return output_;
+    const bool damaged = avcodec_send_packet(context_.get(), packet_.get()) < 0;
+    if (avcodec_receive_frame(context_.get(), frame_.get()) >= 0) takeFrame();
+    limiter_.apply(output_, damaged);
+    return output_;
+}
+
+void FrameDecoder::takeFrame() {
     const auto count = std::min(samples_, static_cast<std::size_t>(frame_->nb_samples));
     const auto planes =
         std::min(channels_, static_cast<std::size_t>(frame_->ch_layout.nb_channels));
@@ -62,7 +68,6 @@ const std::vector<float>& FrameDecoder::decode(std::span<const std::uint8_t> fra
         for (std::size_t i = 0; i < count; ++i) output_[i * channels_ + c] = plane[i];
     }
     av_frame_unref(frame_.get());
-    return output_;
 }
 
 }  // namespace audio::mpeg

@@ -6,6 +6,7 @@
 #include <span>
 #include <vector>
 
+#include "audio/mpeg/read/DamageLimiter.h"
 #include "audio/mpeg/read/FrameHeader.h"
 
 struct AVCodecContext;
@@ -26,11 +27,14 @@ class FrameDecoder {
 
     /// Forgets the frames before, as at the start of a stream.
     void reset();
-    /// The frame's samples, interleaved; silence where it cannot be decoded. Valid until the next
+    /// The frame's samples, interleaved; silence where it cannot be decoded, nothing above full
+    /// scale where it is damaged. Valid until the next
     /// call.
     const std::vector<float>& decode(std::span<const std::uint8_t> frame);
 
   private:
+    void takeFrame();
+
     struct Free {
         void operator()(AVCodecContext* context) const;
         void operator()(AVPacket* packet) const;
@@ -39,6 +43,7 @@ class FrameDecoder {
     std::unique_ptr<AVCodecContext, Free> context_;
     std::unique_ptr<AVPacket, Free> packet_;
     std::unique_ptr<AVFrame, Free> frame_;
+    DamageLimiter limiter_;
     std::vector<std::uint8_t> input_;
     std::vector<float> output_;
     std::size_t samples_ = 0;

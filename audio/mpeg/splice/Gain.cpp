@@ -5,14 +5,15 @@
 #include "audio/mpeg/read/SourceFrames.h"
 #include "audio/mpeg/splice/InfoFrame.h"
 #include "audio/mpeg/splice/Layout.h"
+#include "audio/mpeg/splice/ScaleFactors.h"
 #include "audio/mpeg/splice/Splice.h"
 #include "platform/Paths.h"
 
 namespace audio::mpeg {
 namespace {
 
-// Adds steps to every gain of a frame; false where one would leave its eight bits.
-bool changeGains(const FrameHeader& header, std::span<std::uint8_t> frame, int steps) {
+// Adds steps to every gain of a Layer III frame; false where one would leave its eight bits.
+bool changeGlobalGains(const FrameHeader& header, std::span<std::uint8_t> frame, int steps) {
     const auto sideSize = static_cast<std::size_t>(header.sideInfoSize());
     const auto side =
         frame.subspan(static_cast<std::size_t>(header.overhead()) - sideSize, sideSize);
@@ -30,12 +31,18 @@ bool changeGains(const FrameHeader& header, std::span<std::uint8_t> frame, int s
     return true;
 }
 
+bool changeGains(const FrameHeader& header, std::span<std::uint8_t> frame, int steps) {
+    return header.layer == 3 ? changeGlobalGains(header, frame, steps)
+                             : changeScaleFactors(header, frame, steps);
+}
+
 }  // namespace
 
-std::optional<int> exactGainSteps(double percent) {
+std::optional<int> exactGainSteps(double percent, int layer) {
     if (!(percent > 0)) return std::nullopt;
-    const int steps = static_cast<int>(std::lround(4 * std::log2(percent / 100)));
-    const double exact = 100 * std::exp2(steps / 4.0);
+    const double stepsOfDoubling = layer == 3 ? 4 : 3;
+    const int steps = static_cast<int>(std::lround(stepsOfDoubling * std::log2(percent / 100)));
+    const double exact = 100 * std::exp2(steps / stepsOfDoubling);
     // A percentage that comes as a float has seven digits.
     if (std::abs(percent - exact) > exact * 1e-7) return std::nullopt;
     return steps;
@@ -44,8 +51,6 @@ std::optional<int> exactGainSteps(double percent) {
 SpliceOutcome gain(const std::filesystem::path& file, const FrameIndex& index, int steps,
                    StreamSink& sink, const SpliceOptions& options) {
     if (const auto reason = whyNotSpliceable(file, index)) throw CannotSplice(*reason);
-    if (index.header().layer != 3)
-        throw CannotSplice("Layer II has no gain that could be changed.");
     SourceFrames source(file, index);
     StreamWriter writer(sink, index.frameCount());
     std::optional<InfoFrame> info;

@@ -119,12 +119,12 @@ SpliceOutcome encode(const EncoderSettings& settings, const SoundCallback& sound
                      std::int64_t length, StreamSink& sink, const SpliceOptions& options);
 
 /// The number of steps by which every frame's gain has to change for exactly `percent` of the level
-/// (50 → −4, 200 → 4): each is a factor of the fourth root of two. Nothing where no whole number
-/// gives it exactly.
-std::optional<int> exactGainSteps(double percent);
+/// (50 → −4, 200 → 4): each is a factor of the fourth root of two, in Layer II of the cube root.
+/// Nothing where no whole number gives it exactly.
+std::optional<int> exactGainSteps(double percent, int layer = 3);
 
 /// Writes the whole sound with its level changed by so many steps, without encoding: every other
-/// bit stays. Layer III only. Throws CannotSplice where a frame's gain would leave its range.
+/// bit stays. Throws CannotSplice where a frame's gain would leave its range.
 SpliceOutcome gain(const std::filesystem::path& file, const FrameIndex& index, int steps,
                    StreamSink& sink, const SpliceOptions& options);
 

@@ -3,6 +3,7 @@
 // agree on the result, and what was not touched sounds as before.
 #include <cmath>
 #include <functional>
+#include <random>
 
 #include <gtest/gtest.h>
 
@@ -198,10 +199,9 @@ TEST_P(ForeignMp3, CutAtBothEnds) {
 TEST(SmallFrames, AreKeptBehindSilenceAndFades) {
     const support::TempFolder folder;
     const QString wav = folder.file(u"a.wav"_s);
-    ASSERT_EQ(support::run(u"sox"_s, {u"-R"_s,      u"-n"_s,    u"-r"_s,  u"44100"_s, u"-c"_s,
-                                      u"2"_s,       u"-b"_s,    u"16"_s,  wav,        u"synth"_s,
-                                      u"8"_s,       u"pluck"_s, u"220"_s, u"pluck"_s, u"331"_s,
-                                      u"tremolo"_s, u"3"_s,     u"60"_s,  u"gain"_s,  u"-3"_s})
+    ASSERT_EQ(support::run(u"sox"_s, {u"-R"_s, u"-n"_s, u"-r"_s, u"44100"_s, u"-c"_s, u"2"_s, wav,
+                                      u"synth"_s, u"20"_s, u"pluck"_s, u"220"_s, u"pluck"_s,
+                                      u"331"_s, u"tremolo"_s, u"3"_s, u"60"_s, u"gain"_s, u"-3"_s})
                   .exitCode,
               0);
     for (const QStringList& options :
@@ -231,6 +231,39 @@ TEST(SmallFrames, AreKeptBehindSilenceAndFades) {
         ASSERT_EQ(after.frames(), before.frames() + rate);
         EXPECT_LE(difference(after, 4 * rate, before, 3 * rate, before.frames() - 3 * rate), 1e-6);
     }
+}
+
+// One wrong bit can make thousands of times full scale of a frame, which would also be what
+// Normalize goes by.
+TEST(DamagedMp3, NothingComesOutAboveFullScale) {
+    const Bytes sound = foreign::soundOf(support::fixture("music-vbr.mp3"));
+    const support::TempFolder folder;
+    const auto file = folder / "a.mp3";
+    std::mt19937 random(5);
+    foreign::write(file, sound);
+    const audio::mpeg::FrameIndex index(file);
+    double worst = 0;
+    for (int round = 0; round < 4; ++round) {
+        Bytes damaged = sound;
+        for (int i = 0; i < 20; ++i) {
+            // A bit of the side information, where gains and sizes are told.
+            const auto number = 5 + static_cast<std::int64_t>(random() % 700);
+            const auto at =
+                static_cast<std::size_t>(index.frame(number).offset) + 6 + random() % 28;
+            damaged[at] ^= static_cast<std::uint8_t>(1U << random() % 8);
+        }
+        foreign::write(file, damaged);
+        worst = std::max(worst, ideal::highest(support::decodeWithFfmpeg(file)));
+        AudioEditor editor;
+        editor.Load(platform::toQString(file));
+        // What the program decodes, as floats that nothing limits.
+        editor.SelectWholeFile();
+        editor.Amplify(1);
+        editor.SetOutputFormatWav(44100, 2, 16);
+        editor.Save(folder.file(u"a.wav"_s), false, 0);
+        EXPECT_LE(ideal::highest(support::decodeWithFfmpeg(folder / "a.wav")), 0.0105);
+    }
+    EXPECT_GT(worst, 100);  // the judge's word on how bad it was
 }
 
 // Files whose last frame lacks its end, as one encoder of old leaves them all.

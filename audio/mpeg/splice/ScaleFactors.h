@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "audio/mpeg/read/FrameHeader.h"
+
+namespace audio::mpeg {
+
+/// Changes the level of a whole Layer II frame by so many steps of the cube root of two, by its
+/// scale factors alone: every other bit stays, its CRC too, which does not cover them. False, with
+/// the frame in an unknown state, where a factor would leave its range or the frame ends before
+/// them.
+bool changeScaleFactors(const FrameHeader& header, std::span<std::uint8_t> frame, int steps);
+
+}  // namespace audio::mpeg
