@@ -332,10 +332,11 @@ TEST_F(Editor, ConvertsToMp3WithTheNearestLegalBitRate) {
         editor.Save(folder.file(u"out.mp3"_s), false, 0);
         const support::Outcome shown =
             support::run(u"ffprobe"_s, {u"-v"_s, u"error"_s, u"-show_entries"_s,
-                                        u"stream=codec_name,sample_rate,channels"_s, u"-of"_s,
-                                        u"csv=p=0"_s, folder.file(u"out.mp3"_s)});
+                                        u"stream=codec_name,sample_rate,channels,bit_rate"_s,
+                                        u"-of"_s, u"csv=p=0"_s, folder.file(u"out.mp3"_s)});
         EXPECT_EQ(shown.out.trimmed(), "mp3," + QByteArray::number(item.wantedRate) + ',' +
-                                           QByteArray::number(item.channels));
+                                           QByteArray::number(item.channels) + ',' +
+                                           QByteArray::number(item.wantedKbps * 1000));
         const auto sound = support::decodeWithFfmpeg(folder / "out.mp3");
         EXPECT_NEAR(double(sound.frames()), 2.0 * item.wantedRate, 1.0);
     }

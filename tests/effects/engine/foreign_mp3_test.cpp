@@ -194,6 +194,32 @@ TEST_P(ForeignMp3, CutAtBothEnds) {
     EXPECT_LE(difference(after, 0, before, 40003, after.frames() - second), 1e-6);
 }
 
+// What a tag states of the level is true of the old one alone.
+TEST(LameTag, LosesPeakAndGainWithTheLevel) {
+    const Bytes sound = foreign::soundOf(support::fixture("music-vbr.mp3"));
+    Bytes extension = foreign::extension("LAME3.99r", 576, 1000);
+    std::fill_n(extension.begin() + 11, 8, std::uint8_t{0x21});  // peak, two gains
+    const Bytes whole = foreign::behindXing(sound, foreign::xing(sound, 15, extension));
+    const support::TempFolder folder;
+    const auto file = folder / "a.mp3";
+    for (const float level : {50.0F, 55.0F, 100.0F}) {
+        SCOPED_TRACE(level);
+        foreign::write(file, whole);
+        AudioEditor editor;
+        editor.Load(platform::toQString(file));
+        editor.SelectWholeFile();
+        // A fade of the start alone leaves the peak of the rest.
+        if (level == 100) editor.SetSelectionEnd(44100);
+        editor.Fade(level == 100 ? 0 : level, level);
+        editor.Save(platform::toQString(file), false, 0);
+        const auto bytes = support::readBytes(file);
+        const auto tag = audio::mpeg::FrameIndex(file).info();
+        ASSERT_TRUE(tag && tag->extended);
+        const auto expected = static_cast<std::byte>(level == 100 ? 0x21 : 0);
+        for (std::size_t i = 11; i < 19; ++i) EXPECT_EQ(bytes[tag->lameOffset + i], expected) << i;
+    }
+}
+
 // The smallest slots hold but five bytes of main data, so that the reservoir reaches back over
 // fifty frames of silence.
 TEST(SmallFrames, AreKeptBehindSilenceAndFades) {
