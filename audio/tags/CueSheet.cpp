@@ -17,6 +17,7 @@ constexpr std::size_t indexSize = 12;
 constexpr std::int64_t sector = 588;  // frames of a disc
 constexpr std::uint8_t leadOutOfDisc = 170;
 constexpr std::uint8_t leadOut = 255;
+constexpr std::int64_t furthest = std::int64_t{1} << 48;  // frames; a place beyond makes no sense
 
 std::int64_t numberAt(const Bytes& bytes, std::size_t at) {
     std::uint64_t value = 0;
@@ -29,7 +30,18 @@ void setNumber(Bytes& bytes, std::size_t at, std::int64_t value) {
         bytes[at + i] = static_cast<std::uint8_t>(value >> (56 - 8 * i));
 }
 
-/// Where each track begins in the body; none where they do not fit into it.
+bool makesSense(const Bytes& body, std::size_t track) {
+    const auto isPlace = [&](std::size_t at) {
+        const std::int64_t place = numberAt(body, at);
+        return place >= 0 && place < furthest;
+    };
+    bool good = isPlace(track);
+    for (std::size_t i = 0; i < body[track + trackHeader - 1]; ++i)
+        good = good && isPlace(track + trackHeader + i * indexSize);
+    return good;
+}
+
+/// Where each track begins in the body; none where they make no sense.
 std::vector<std::size_t> tracksOf(const Bytes& body) {
     std::vector<std::size_t> tracks;
     if (body.size() < sheetHeader) return tracks;
@@ -37,7 +49,7 @@ std::vector<std::size_t> tracksOf(const Bytes& body) {
     for (std::size_t left = body[sheetHeader - 1]; left > 0; --left) {
         if (body.size() - at < trackHeader) return {};
         const std::size_t size = trackHeader + body[at + trackHeader - 1] * indexSize;
-        if (body.size() - at < size) return {};
+        if (body.size() - at < size || !makesSense(body, at)) return {};
         tracks.push_back(at);
         at += size;
     }

@@ -10,6 +10,7 @@
 
 #include "audio/tags/ApeLevel.h"
 #include "audio/tags/AsfAttributes.h"
+#include "audio/tags/CueSheet.h"
 #include "audio/tags/Id3v2Level.h"
 #include "audio/tags/VorbisComment.h"
 
@@ -55,6 +56,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     ape(bytes);
     asf(bytes);
     const std::vector<std::uint8_t> packet(data, data + size);
+    const auto stay = [](std::int64_t frame) { return frame; };
+    require(movedCueSheet(packet, stay) == packet, "a cue sheet that stays where nothing moves");
+    require(movedCueSheet(packet, [](std::int64_t frame) { return frame + 1; }).size() == size,
+            "a cue sheet that does not grow");
     require(withoutLevelComments(packet).size() <= size, "a comment packet that does not grow");
     return 0;
 }

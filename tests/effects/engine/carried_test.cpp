@@ -2,6 +2,7 @@
 // What the containers of FLAC, AAC, ALAC, WavPack, AIFF and compressed WAVE hold beside the sound
 // comes through a save, as other programs read it.
 #include <functional>
+#include <random>
 
 #include <gtest/gtest.h>
 
@@ -485,5 +486,37 @@ TEST_F(Carried, WithoutAnyTagsNoFormatIsRefusedForThem) {
              u"-fflags"_s, u"+bitexact"_s, u"-map_metadata"_s, u"-1"_s, platform::toQString(file)});
         edit(file, addSilence);
         EXPECT_EQ(support::decodeWithFfmpeg(file).frames(), 88'200U + 44'100U) << name;
+    }
+}
+
+// Bytes around the sound turned over at random: the file is saved whole, or refused and as it was.
+TEST_F(Carried, WhatIsDamagedIsSavedWholeOrLeftAlone) {
+    std::mt19937 random(7);
+    for (const char* fixture :
+         {"tone.flac", "tone.m4a", "tone.aiff", "tone.wv", "tone-mulaw.wav"}) {
+        const auto whole = support::readBytes(support::fixture(fixture));
+        const bool atEnd = std::string(fixture) == "tone.m4a";
+        for (int round = 0; round < 25; ++round) {
+            auto bytes = whole;
+            for (int flip = 0; flip < 3; ++flip) {
+                const std::size_t at = random() % 400;
+                bytes[atEnd ? bytes.size() - 1 - at : at] = std::byte(random() % 256);
+            }
+            const fs::path file = folder / fixture;
+            support::writeBytes(file, bytes);
+            try {
+                AudioEditor editor;
+                editor.Load(platform::toQString(file));
+                const std::int32_t length = editor.GetLength();
+                fadeIn(editor);
+                editor.Save(platform::toQString(file), false, 0);
+                AudioEditor again;
+                again.Load(platform::toQString(file));
+                EXPECT_EQ(again.GetLength(), length) << fixture << " round " << round;
+            } catch (const platform::Error& error) {
+                EXPECT_NE(std::string(error.what()), "");
+                EXPECT_EQ(support::readBytes(file), bytes) << fixture << " round " << round;
+            }
+        }
     }
 }
