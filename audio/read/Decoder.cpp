@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "audio/Limits.h"
 #include "audio/ogg/Links.h"
 #include "audio/read/ChainSource.h"
 #include "audio/read/MpegSource.h"
@@ -53,7 +54,9 @@ std::unique_ptr<Decoder::Source> openSource(const std::filesystem::path& file) {
 
 }  // namespace
 
-Decoder::Decoder(const std::filesystem::path& file) : source_(openSource(file)) {}
+Decoder::Decoder(const std::filesystem::path& file) : source_(openSource(file)) {
+    requireWithinLimits(file, source_->format());
+}
 Decoder::~Decoder() = default;
 
 const Format& Decoder::format() const {

@@ -130,15 +130,25 @@ std::optional<Walk> walkFrames(Bytes body, std::size_t at, Version version, bool
     return walk;
 }
 
-/// Where a byte of the synchronised data lies in the unsynchronised original.
-std::size_t originalPlace(Bytes original, std::size_t place) {
-    std::size_t at = 0;
-    for (; place > 0 && at < original.size(); --place, ++at)
-        if (byteAt(original, at) == 0xFF && at + 1 < original.size() &&
-            byteAt(original, at + 1) == 0)
-            ++at;
-    return at;
-}
+/// Finds bytes of the synchronised data in the unsynchronised original, asked for in rising order:
+/// one walk finds them all.
+class OriginalPlaces {
+  public:
+    explicit OriginalPlaces(Bytes original) : original_(original) {}
+
+    std::size_t of(std::size_t place) {
+        for (; plain_ < place && at_ < original_.size(); ++plain_, ++at_)
+            if (byteAt(original_, at_) == 0xFF && at_ + 1 < original_.size() &&
+                byteAt(original_, at_ + 1) == 0)
+                ++at_;
+        return at_;
+    }
+
+  private:
+    Bytes original_;
+    std::size_t plain_ = 0;  ///< bytes of the synchronised data that were passed
+    std::size_t at_ = 0;     ///< bytes of the original
+};
 
 /// The size of the extended header that begins the body; nothing where there is a checksum in it.
 std::optional<std::size_t> extendedHeader(Bytes body, Version version) {
@@ -168,9 +178,10 @@ std::vector<Cut> levelFrames(Bytes tag, Bytes body) {
     // Some programs write the sizes of version 2.3 into tags of version 2.4.
     if (!walk && version.number == 4) walk = walkFrames(plain, start, version, unsync, true);
     if (!walk) return {};
-    if (wholeUnsync)
-        for (Cut& cut : walk->cuts)
-            cut = {originalPlace(body, cut.start), originalPlace(body, cut.end)};
+    if (wholeUnsync) {
+        OriginalPlaces places(body);
+        for (Cut& cut : walk->cuts) cut = {places.of(cut.start), places.of(cut.end)};
+    }
     return walk->cuts;
 }
 
