@@ -3,11 +3,12 @@
 
 #include <algorithm>
 #include <atomic>
+#include <future>
 #include <map>
 #include <mutex>
 #include <system_error>
-#include <thread>
 
+#include "audio/parallel/Launch.h"
 #include "platform/Interrupt.h"
 #include "platform/Paths.h"
 
@@ -56,10 +57,12 @@ std::vector<std::size_t> forEachFile(const QStringList& files, unsigned jobs,
         }
     };
     {
-        std::vector<std::jthread> threads;
+        std::vector<std::future<void>> threads;
         const std::size_t count =
             std::clamp<std::size_t>(jobs, 1, std::max<std::size_t>(turns.size(), 1));
-        for (std::size_t thread = 0; thread < count; ++thread) threads.emplace_back(takeTurns);
+        for (std::size_t thread = 0; thread < count; ++thread)
+            threads.push_back(audio::parallel::launch("file", [&] { takeTurns(); }));
+        for (std::future<void>& thread : threads) thread.get();
     }
     std::sort(left.begin(), left.end());
     return left;

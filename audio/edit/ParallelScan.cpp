@@ -6,14 +6,16 @@
 #include <future>
 
 #include "audio/edit/EditReader.h"
-#include "audio/parallel/Threads.h"
+#include "audio/parallel/Budget.h"
+#include "audio/parallel/Launch.h"
+#include "audio/pcm/Blocks.h"
 
 namespace audio::edit {
 namespace {
 
 constexpr std::int64_t mostPieces = 16;
 constexpr std::int64_t shortestPieceSeconds = 10;
-constexpr std::size_t blockFrames = 16384;
+constexpr std::size_t mostBlockFrames = 16384;
 
 bool seeksFast(const EditList& list) {
     return std::ranges::all_of(list.segments(), [](const Segment& segment) {
@@ -43,6 +45,7 @@ class Scan {
   private:
     void readRange(std::size_t number) {
         const auto channels = static_cast<std::size_t>(list_.shape().channels);
+        const std::size_t blockFrames = pcm::blockFrames(mostBlockFrames, list_.shape().channels);
         std::vector<float> block(blockFrames * channels);
         EditReader reader(list_.slice(ranges_[number]));
         while (const std::size_t got = reader.read(block.data(), blockFrames)) {
@@ -81,7 +84,7 @@ void scan(const EditList& list, const std::vector<FrameRange>& ranges, Work& wor
     const std::size_t threads = std::min(cores, ranges.size());
     std::vector<std::future<void>> others;
     for (std::size_t i = 1; i < threads; ++i)
-        others.push_back(std::async(std::launch::async, [&scan] { scan.run(); }));
+        others.push_back(parallel::launch("scan", [&scan] { scan.run(); }));
     scan.run();
     for (auto& other : others) other.get();
 }

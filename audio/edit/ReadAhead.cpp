@@ -3,10 +3,13 @@
 
 #include <algorithm>
 
+#include "audio/parallel/Launch.h"
+#include "audio/pcm/Blocks.h"
+
 namespace audio::edit {
 namespace {
 
-constexpr std::size_t blockFrames = 16384;
+constexpr std::size_t mostBlockFrames = 16384;
 constexpr std::size_t blocksAhead = 4;
 
 }  // namespace
@@ -55,7 +58,7 @@ void ReadAhead::start() {
     blocks_.clear();
     failure_ = nullptr;
     ended_ = stopping_ = false;
-    worker_ = std::thread([this] { run(); });
+    worker_ = parallel::launch("read ahead", [this] { run(); });
 }
 
 void ReadAhead::stop() {
@@ -64,10 +67,11 @@ void ReadAhead::stop() {
         stopping_ = true;
     }
     changed_.notify_all();
-    worker_.join();
+    if (worker_.valid()) worker_.wait();
 }
 
 void ReadAhead::run() {
+    const std::size_t blockFrames = pcm::blockFrames(mostBlockFrames, static_cast<int>(channels_));
     std::exception_ptr failure;
     try {
         while (waitForRoom()) {
@@ -86,7 +90,7 @@ void ReadAhead::run() {
             put(std::move(samples));
         }
     } catch (...) {
-        failure = std::current_exception();
+        failure = parallel::currentError();
     }
     const std::lock_guard lock(mutex_);
     failure_ = failure;

@@ -4,9 +4,9 @@
 #include <condition_variable>
 #include <deque>
 #include <exception>
+#include <future>
 #include <memory>
 #include <mutex>
-#include <thread>
 #include <vector>
 
 #include "audio/edit/Material.h"
@@ -15,7 +15,8 @@ namespace audio::edit {
 
 /// Reads another reader on a thread of its own, a few blocks ahead, so that what comes before it
 /// and what comes after it run side by side. An error of the inner reader is thrown by the read()
-/// that reaches it. Memory: a handful of blocks of 16,384 frames.
+/// that reaches it. Memory: a handful of blocks of 16,384 frames, and
+/// of a megabyte at most.
 class ReadAhead : public FrameReader {
   public:
     ReadAhead(std::unique_ptr<FrameReader> inner, int channels);
@@ -46,7 +47,7 @@ class ReadAhead : public FrameReader {
     std::exception_ptr failure_;
     bool ended_ = false;
     bool stopping_ = false;
-    std::thread worker_;  // the consumer's
+    std::future<void> worker_;  // the consumer's
 };
 
 }  // namespace audio::edit

@@ -3,10 +3,12 @@
 
 #include <algorithm>
 
+#include "audio/pcm/Blocks.h"
+
 namespace audio::edit {
 namespace {
 
-constexpr std::size_t blockFrames = 8192;
+constexpr std::size_t mostBlockFrames = 8192;
 
 }  // namespace
 
@@ -14,7 +16,8 @@ ResampledReader::ResampledReader(std::unique_ptr<FrameReader> inner, Shape from,
     : inner_(std::move(inner)),
       from_(from),
       to_(to),
-      input_(blockFrames * static_cast<std::size_t>(from.channels)) {
+      input_(pcm::blockFrames(mostBlockFrames, from.channels) *
+             static_cast<std::size_t>(from.channels)) {
     begin();
 }
 
@@ -38,6 +41,7 @@ void ResampledReader::seek(std::int64_t frame) {
         inner_->seek(0);
         begin();
     }
+    const std::size_t blockFrames = pcm::blockFrames(mostBlockFrames, to_.channels);
     std::vector<float> dropped(blockFrames * static_cast<std::size_t>(to_.channels));
     while (position_ < frame)
         if (read(dropped.data(), static_cast<std::size_t>(
@@ -58,7 +62,8 @@ bool ResampledReader::fill() {
     if (ended_) return false;
     ready_.clear();
     used_ = 0;
-    const std::size_t got = inner_->read(input_.data(), blockFrames);
+    const std::size_t got =
+        inner_->read(input_.data(), input_.size() / static_cast<std::size_t>(from_.channels));
     if (got > 0) {
         resampler_->push(input_.data(), got, ready_);
     } else {

@@ -7,12 +7,13 @@
 #include "audio/edit/EditReader.h"
 #include "audio/edit/ReadAhead.h"
 #include "audio/edit/Resampled.h"
+#include "audio/pcm/Blocks.h"
 #include "audio/pcm/Dither.h"
 
 namespace audio::edit {
 namespace {
 
-constexpr std::size_t blockFrames = 16384;
+constexpr std::size_t mostBlockFrames = 16384;
 
 /// The bits of a sample's integers; 0 where it has none. PCM has room for whole bytes.
 int integerBits(const Format& format) {
@@ -90,6 +91,7 @@ void SoundFeed::render(const Run& run) {
     ReadAhead ahead(std::move(reader), to.channels);
     const bool asItIs = run.untouched && keepsSamples_;
     const bool dithered = bits_ > 0 && bits_ <= 16 && !asItIs;
+    const std::size_t blockFrames = pcm::blockFrames(mostBlockFrames, to.channels);
     std::vector<float> block(blockFrames * static_cast<std::size_t>(to.channels));
     std::int64_t counted = 0;
     while (const std::size_t got = ahead.read(block.data(), blockFrames)) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "audio/ffmpeg/ParallelBlocks.h"
 
-#include "audio/parallel/Threads.h"
+#include "audio/parallel/Budget.h"
 
 namespace audio::ffmpeg {
 namespace {

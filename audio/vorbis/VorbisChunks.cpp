@@ -6,7 +6,7 @@
 #include <numeric>
 
 #include "audio/FileError.h"
-#include "audio/parallel/Threads.h"
+#include "audio/parallel/Budget.h"
 
 namespace audio::vorbis {
 namespace {

@@ -4,6 +4,8 @@
 #include <chrono>
 #include <future>
 
+#include "audio/parallel/Launch.h"
+
 namespace effects {
 namespace {
 
@@ -14,7 +16,7 @@ constexpr std::chrono::milliseconds betweenReports{30};
 
 void runInBackground(audio::edit::Work& work, const std::function<void(int)>& raise,
                      const std::function<void()>& task) {
-    std::future<void> result = std::async(std::launch::async, task);
+    std::future<void> result = audio::parallel::launch("effect", task);
     try {
         while (result.wait_for(betweenReports) != std::future_status::ready) raise(work.percent());
     } catch (...) {

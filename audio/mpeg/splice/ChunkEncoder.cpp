@@ -6,7 +6,7 @@
 
 #include "audio/mpeg/encode/LameEncoder.h"
 #include "audio/mpeg/encode/LayerTwoEncoder.h"
-#include "audio/parallel/Threads.h"
+#include "audio/parallel/Budget.h"
 
 namespace audio::mpeg {
 namespace {
