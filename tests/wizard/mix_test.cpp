@@ -157,7 +157,7 @@ TEST_F(MixTest, SoItIsWithEveryStepTicked) {
 
 /// The files of a mix as they must be, by arithmetic of the test's own. A track that is longer than
 /// the overlap gives its head to the file before, the others are joined end to start. `shared`
-/// tells of every sample of the mix whether two tracks are heard in it.
+/// tells of every sample whether it was written as part of a mix, with the dither of one.
 std::vector<Samples> expectedFiles(const std::vector<Samples>& tracks, std::size_t overlap,
                                    std::vector<std::vector<bool>>& shared) {
     std::vector<Samples> files;
@@ -167,13 +167,12 @@ std::vector<Samples> expectedFiles(const std::vector<Samples>& tracks, std::size
         if (cut) {
             Samples& before = files.back();
             const std::size_t start = before.size() > head ? before.size() - head : 0;
-            const std::size_t common = std::min(head, before.size());
             before.resize(start + head);
             shared.back().resize(start + head);
             for (std::size_t i = 0; i < head; ++i) {
                 before[start + i] =
                     std::clamp(before[start + i] + track[i], -1.0F, 1 - float(OneStep));
-                if (i < common) shared.back()[start + i] = true;
+                shared.back()[start + i] = true;
             }
         }
         files.emplace_back(track.begin() + std::ptrdiff_t(head), track.end());

@@ -158,6 +158,7 @@ TEST_F(PassTest, StopInFileThreeOfTenEndsAfterIt) {
 TEST_F(PassTest, StopStillLeadsToTheRounds) {
     addFiles(3);
     view.chosen.crossFade = true;
+    session.settings.crossfade_value = 1000;
     editor.during = [&](const QString& call) {
         if (call == u"Load(/in/Song2.mp3)"_s) session.stop();
     };
