@@ -4,7 +4,9 @@
 
 #include <chrono>
 
+#include <QApplication>
 #include <QCloseEvent>
+#include <QDialog>
 #include <QDir>
 #include <QFile>
 #include <QLabel>
@@ -133,6 +135,11 @@ void frmMain::Form_QueryUnload() {
         u"Do you want to save the current playlist before exit?  "_s, widgets::MsgButtons::YesNo,
         widgets::MsgIcon::Question, u"Save playlist?"_s);
     if (answer == widgets::MsgResult::Yes) CommandSave1_Click();
+}
+
+void frmMain::askNothingMore() {
+    asks_ = false;
+    if (auto* box = qobject_cast<QDialog*>(QApplication::activeModalWidget())) box->reject();
 }
 
 void frmMain::Form_Unload() {

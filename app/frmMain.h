@@ -67,8 +67,9 @@ class frmMain : public QWidget {
     /// them; says what there is no file of.
     void openPaths(const QStringList& paths);
 
-    /// From now on closing asks nothing: the system ends the session or the program.
-    void askNothingMore() { asks_ = false; }
+    /// From now on closing asks nothing, and a box that waits for an answer goes without one: the
+    /// system ends the session or the program.
+    void askNothingMore();
 
     /// Fades in over the first sixth of what the editor engine holds and out over its last sixth.
     void AutoFadeInOut();

@@ -82,6 +82,11 @@ TEST_P(LayerTwo, HalfTheLevelIsASetOfScaleFactors) {
     const auto bytes = support::readBytes(file);
     editor.Amplify(50);
     const Sound after = saved();
+    if (GetParam().rate < 32000) {  // MPEG-2 is encoded
+        EXPECT_EQ(editor.LastSaveReport().method, audio::edit::SaveMethod::Encoded);
+        EXPECT_EQ(after.frames(), before.frames());
+        return;
+    }
     EXPECT_EQ(editor.LastSaveReport().method, audio::edit::SaveMethod::Spliced);
     EXPECT_EQ(editor.LastSaveReport().renderedFrames, 0);
     EXPECT_EQ(support::readBytes(file).size(), bytes.size());
