@@ -13,7 +13,8 @@ namespace {
 using audio::mpeg::FrameHeader;
 
 void put(Bytes& bytes, std::uint64_t value, int count) {
-    while (count-- > 0) bytes.push_back(static_cast<std::uint8_t>(value >> (8 * count)));
+    while (count-- > 0)
+        bytes.push_back(count < 8 ? static_cast<std::uint8_t>(value >> (8 * count)) : 0);
 }
 
 void put(Bytes& bytes, const std::string& text) {
