@@ -91,8 +91,10 @@ std::vector<Voice::News> Voice::takeNews() {
 bool Voice::isReady(std::size_t frames) {
     const std::lock_guard lock(mutex_);
     if (quit_ || !channel_.running()) return true;
-    const bool fed = !canFeed_ || channel_.level() >= std::int64_t(frames) ||
-                     channel_.ring().space() == 0;  // of what is dropped when it is read on
+    const std::int64_t level = channel_.level();
+    const bool fed = canFeed_ ? level >= std::int64_t(frames) ||
+                                    channel_.ring().space() == 0  // of what is dropped later
+                              : !drains_ || level > 0;
     if (fed && orders_.empty() && !busy_) return true;
     wake_.notify_all();
     return false;
@@ -154,6 +156,7 @@ void Voice::run() {
         const std::lock_guard lock(mutex_);
         if (quit_) return;
         canFeed_ = feed_.canFeed();
+        drains_ = feed_.drains();
         busy_ = false;
         rested_.notify_all();
     }
@@ -183,6 +186,7 @@ std::optional<Voice::Order> Voice::nextOrder() {
         else
             wake_.wait(lock);
     }
+    busy_ = feed_.drains() && feed_.hungry();
     if (orders_.empty() || quit_) return std::nullopt;
     const Order order = std::move(orders_.front());
     orders_.pop_front();

@@ -110,8 +110,9 @@ class Voice final : private TrackFeed::Host {
     std::condition_variable rested_;  // an order was obeyed
     std::deque<Order> orders_;
     std::vector<News> news_;
-    bool busy_ = false;     // an order is being obeyed
+    bool busy_ = false;     // an order is being obeyed, or the rate of the ring raised
     bool canFeed_ = false;  // the feed can bring more into the ring as it stands
+    bool drains_ = false;   // a higher rate begins when the ring is empty
     bool quit_ = false;
     std::thread thread_;
 };
