@@ -3,12 +3,14 @@
 
 #include "player/engine/PlayerEngine.h"
 #include "ui_frmMain.h"
+#include "widgets/Dispatch.h"
 
 namespace app {
 
 MainList::MainList(Ui::frmMain& ui, player::PlayerEngine& engine) : ui_(ui), engine_(engine) {
     const widgets::ListView* list = ui_.ListView1;
-    QObject::connect(list, &widgets::ListView::refilled, list, [this] { markAgain(); });
+    QObject::connect(list, &widgets::ListView::refilled, list,
+                     widgets::guarded(this, &MainList::markAgain));
 }
 
 int MainList::rowCount() const {

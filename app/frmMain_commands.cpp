@@ -70,11 +70,11 @@ const std::vector<frmMain::Command>& frmMain::commands() {
 void frmMain::connectCommands() {
     for (const Command& command : commands()) {
         const QString name = QString::fromLatin1(command.control);
-        const auto handler = widgets::guarded(this, command.handler);
         if (auto* button = findChild<QAbstractButton*>(name)) {
-            connect(button, &QAbstractButton::clicked, this, handler);
+            connect(button, &QAbstractButton::clicked, this,
+                    widgets::guarded(this, command.handler));
         } else if (auto* item = findChild<QAction*>(name)) {
-            connect(item, &QAction::triggered, this, handler);
+            connect(item, &QAction::triggered, this, widgets::guarded(this, command.handler));
         } else {
             qFatal("The command map names a control that the window lacks: %s", command.control);
         }

@@ -10,6 +10,7 @@
 #include "app/mediakeys/MediaKeys.h"
 #include "player/deck/Deck.h"
 #include "ui_frmMain.h"
+#include "widgets/Dispatch.h"
 #include "widgets/ListView.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -37,7 +38,9 @@ void frmMain::connectShortcuts() {
     }
     const auto volume = [this](const QString& keys, int step) {
         connect(new QShortcut(QKeySequence(keys), this), &QShortcut::activated, this,
-                [this, step] { ui_->SliderVolume1->setValue(ui_->SliderVolume1->value() + step); });
+                widgets::guarded([slider = ui_->SliderVolume1, step] {
+                    slider->setValue(slider->value() + step);
+                }));
     };
     volume(u"Ctrl++"_s, 5);
     volume(u"Ctrl+="_s, 5);

@@ -4,6 +4,7 @@
 #include "app/frmMain.h"
 #include "effects/engine/AudioEditor.h"
 #include "ui_frmMain.h"
+#include "widgets/Dispatch.h"
 #include "widgets/MsgBox.h"
 #include "wizard/Texts.h"
 #include "wizard/form/frmFadeWizard2.h"
@@ -39,7 +40,7 @@ wizard::frmFadeWizard2& frmMain::loadWizard() {
     if (frmFadeWizard2 && !frmFadeWizard2->isClosing()) return *frmFadeWizard2;
     auto* form = new wizard::frmFadeWizard2(std::make_unique<effects::AudioEditor>());
     connect(this, &frmMain::closed, form, &QWidget::close);
-    connect(this, &QObject::destroyed, form, [form] { delete form; });
+    connect(this, &QObject::destroyed, form, widgets::guarded([form] { delete form; }));
     frmFadeWizard2 = form;
     return *form;
 }

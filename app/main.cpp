@@ -13,6 +13,7 @@
 #include "platform/Paths.h"
 #include "platform/Program.h"
 #include "widgets/Application.h"
+#include "widgets/Dispatch.h"
 
 namespace {
 
@@ -66,21 +67,21 @@ int main(int argc, char** argv) {
     app::applySkin(application);
     app::frmMain window;
     // Other windows may still be open; with the main window all ends.
-    QObject::connect(
-        &window, &app::frmMain::closed, &application, [] { QCoreApplication::exit(0); },
-        Qt::QueuedConnection);
+    QObject::connect(&window, &app::frmMain::closed, &application,
+                     widgets::guarded([] { QCoreApplication::exit(0); }), Qt::QueuedConnection);
     QObject::connect(&application, &QGuiApplication::commitDataRequest, &window,
-                     &app::frmMain::askNothingMore, Qt::DirectConnection);
+                     widgets::guarded(&window, &app::frmMain::askNothingMore),
+                     Qt::DirectConnection);
     window.show();
     const QStringList paths = pathsIn(argc, argv);
-    QTimer::singleShot(0, &window, [&window, paths] { window.openPaths(paths); });
+    QTimer::singleShot(0, &window, widgets::guarded([&window, paths] { window.openPaths(paths); }));
     platform::watchForInterrupt();
     QTimer signalWatch;
-    QObject::connect(&signalWatch, &QTimer::timeout, &window, [&window] {
+    QObject::connect(&signalWatch, &QTimer::timeout, &window, widgets::guarded([&window] {
         if (!platform::interrupted()) return;
         window.askNothingMore();
         window.close();
-    });
+    }));
     signalWatch.start(std::chrono::milliseconds(250));
     return application.exec();
 }

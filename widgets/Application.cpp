@@ -9,7 +9,7 @@ namespace widgets {
 void showUnhandled(const QString& sentence) {
     // The box needs the event loop, and the handler that failed may lie in the middle of one.
     QMetaObject::invokeMethod(
-        qApp, [sentence] { msgBox(sentence, MsgButtons::Ok, MsgIcon::Critical); },
+        qApp, guarded([sentence] { msgBox(sentence, MsgButtons::Ok, MsgIcon::Critical); }),
         Qt::QueuedConnection);
 }
 

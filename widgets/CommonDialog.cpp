@@ -8,6 +8,8 @@
 #include <QFileDialog>
 #include <QFileInfo>
 
+#include "widgets/Dispatch.h"
+
 namespace widgets {
 namespace {
 
@@ -71,7 +73,7 @@ void CommonDialog::show(bool save) {
             if (save && filter.shown == shown) dialog.setDefaultSuffix(suffixOf(filter));
         }
     };
-    connect(&dialog, &QFileDialog::filterSelected, &dialog, applySuffix);
+    connect(&dialog, &QFileDialog::filterSelected, &dialog, guarded(applySuffix));
     if (!filters.isEmpty()) {
         const qsizetype index = std::clamp<qsizetype>(FilterIndex - 1, 0, filters.size() - 1);
         dialog.selectNameFilter(filters[index].shown);

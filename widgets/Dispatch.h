@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <concepts>
 #include <exception>
+#include <functional>
 #include <utility>
 
 #include <QString>
@@ -25,7 +27,8 @@ void dispatch(Command&& command) noexcept {
     }
 }
 
-/// A slot for connect() that dispatches a handler.
+/// A slot for connect() that dispatches a handler: it takes as many of a signal's arguments as the
+/// handler does.
 template <class Receiver, class... Arguments>
 auto guarded(Receiver* receiver, void (Receiver::*handler)(Arguments...)) {
     return [receiver, handler](Arguments... arguments) {
@@ -34,7 +37,10 @@ auto guarded(Receiver* receiver, void (Receiver::*handler)(Arguments...)) {
 }
 template <class Handler>
 auto guarded(Handler handler) {
-    return [handler = std::move(handler)] { dispatch(handler); };
+    return [handler = std::move(handler)]<class... Arguments>(const Arguments&... arguments)
+               -> void requires std::invocable<const Handler&, const Arguments&...> {
+        dispatch([&] { std::invoke(handler, arguments...); });
+    };
 }
 
 }  // namespace widgets

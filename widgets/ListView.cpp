@@ -10,6 +10,7 @@
 #include <QMimeData>
 #include <QScrollBar>
 
+#include "widgets/Dispatch.h"
 #include "widgets/ListModel.h"
 
 namespace widgets {
@@ -33,8 +34,9 @@ ListView::ListView(QWidget* parent) : QTreeView(parent), model_(new ListModel(th
     connect(model_, &ListModel::modelReset, this, &ListView::refilled);
     connect(verticalScrollBar(), &QScrollBar::valueChanged, this, &ListView::scrolled);
     connect(verticalScrollBar(), &QScrollBar::rangeChanged, this, &ListView::scrolled);
-    connect(this, &QTreeView::doubleClicked, this,
-            [this](const QModelIndex& index) { Q_EMIT rowDoubleClicked(index.row() + 1); });
+    connect(this, &QTreeView::doubleClicked, this, guarded([this](const QModelIndex& index) {
+                Q_EMIT rowDoubleClicked(index.row() + 1);
+            }));
 }
 
 void ListView::setColumns(const QStringList& captions) {

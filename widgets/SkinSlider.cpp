@@ -6,12 +6,14 @@
 #include <QStyle>
 #include <QStyleOptionSlider>
 
+#include "widgets/Dispatch.h"
+
 namespace widgets {
 
 SkinSlider::SkinSlider(QWidget* parent) : QSlider(Qt::Horizontal, parent) {
-    connect(this, &QSlider::valueChanged, this, [this](int value) {
-        if (!onlyShown_) Q_EMIT Changed(value);
-    });
+    connect(this, &QSlider::valueChanged, this, guarded([this](int value) {
+                if (!onlyShown_) Q_EMIT Changed(value);
+            }));
 }
 
 void SkinSlider::setShownValue(int value) {

@@ -19,6 +19,7 @@
 #include "app/mediakeys/MediaPlayer2.h"
 #include "app/mediakeys/NowOnDeck.h"
 #include "player/engine/PlayerEngine.h"
+#include "widgets/Dispatch.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -49,21 +50,19 @@ class MediaKeys : public QObject {
     explicit MediaKeys(const MediaControls& controls)
         : now_([this] { tellChanges(); }), program_(this, controls), deck_(this, controls, now_) {
         for (const QAbstractButton* button : {&controls.play, &controls.pause, &controls.stop})
-            connect(button, &QAbstractButton::clicked, this, [this] { tellChanges(); });
+            connect(button, &QAbstractButton::clicked, this,
+                    widgets::guarded(this, &MediaKeys::tellChanges));
         using player::PlayerEngine;
         const auto follow = [this, &controls](auto signal) {
-            connect(&controls.engine, signal, this, [this] { tellChanges(); });
+            connect(&controls.engine, signal, this, widgets::guarded([this] { tellChanges(); }));
         };
         follow(&PlayerEngine::PlaybackStarted);
         follow(&PlayerEngine::NowPlayingChanged);
         follow(&PlayerEngine::PlaybackEnded);
-        // A seek that was told is no jump to be told again.
-        connect(&deck_, &MediaPlayer2Player::Seeked, this, [this](qlonglong position) {
-            sinceTick_.start();
-            position_ = position;
-        });
+        connect(&deck_, &MediaPlayer2Player::Seeked, this,
+                widgets::guarded(this, &MediaKeys::tookSeek));
         ticking_.setInterval(lookAgain);
-        connect(&ticking_, &QTimer::timeout, this, &MediaKeys::tick);
+        connect(&ticking_, &QTimer::timeout, this, widgets::guarded(this, &MediaKeys::tick));
         connectToBus();
     }
     ~MediaKeys() override {
@@ -77,27 +76,34 @@ class MediaKeys : public QObject {
     // answered when the program ends is left behind with it.
     void connectToBus() {
         connecting_.reset(QThread::create([] { QDBusConnection::sessionBus(); }));
-        connect(connecting_.get(), &QThread::finished, this, [this] {
-            QDBusConnection bus = QDBusConnection::sessionBus();
-            if (bus.isConnected() && bus.registerObject(objectPath, this)) claim(serviceName);
-        });
+        connect(connecting_.get(), &QThread::finished, this,
+                widgets::guarded(this, &MediaKeys::tookBus));
         connecting_->start();
+    }
+
+    void tookBus() {
+        QDBusConnection bus = QDBusConnection::sessionBus();
+        if (bus.isConnected() && bus.registerObject(objectPath, this)) claim(serviceName);
     }
 
     void claim(const QString& name) {
         constexpr uint doNotQueue = 4;
-        constexpr uint isOwner = 1;
         const auto call = askBus(u"RequestName"_s) << name << doNotQueue;
         auto* answer =
             new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), this);
-        connect(answer, &QDBusPendingCallWatcher::finished, this, [this, name, answer] {
-            answer->deleteLater();
-            const QDBusPendingReply<uint> reply = *answer;
-            if (reply.isError()) return;
-            if (reply.value() == isOwner) return begin(name);
-            const qint64 process = QCoreApplication::applicationPid();
-            if (name == serviceName) claim(name + u".instance"_s + QString::number(process));
-        });
+        connect(answer, &QDBusPendingCallWatcher::finished, this,
+                widgets::guarded([this, name, answer] {
+                    answer->deleteLater();
+                    took(name, *answer);
+                }));
+    }
+
+    void took(const QString& name, const QDBusPendingReply<uint>& answer) {
+        constexpr uint isOwner = 1;
+        if (answer.isError()) return;
+        if (answer.value() == isOwner) return begin(name);
+        const qint64 process = QCoreApplication::applicationPid();
+        if (name == serviceName) claim(name + u".instance"_s + QString::number(process));
     }
 
     void begin(const QString& name) {
@@ -131,6 +137,12 @@ class MediaKeys : public QObject {
         QDBusConnection::sessionBus().send(
             QDBusMessage::createSignal(objectPath, properties, u"PropertiesChanged"_s)
             << u"org.mpris.MediaPlayer2.Player"_s << changed << QStringList());
+    }
+
+    // A seek that was told is no jump to be told again.
+    void tookSeek(qlonglong position) {
+        sinceTick_.start();
+        position_ = position;
     }
 
     // What the user moves in the window is told here.

@@ -12,6 +12,7 @@
 #include "lists/ListReader.h"
 #include "player/deck/Deck.h"
 #include "player/engine/PlayerEngine.h"
+#include "widgets/Dispatch.h"
 #include "widgets/SkinSlider.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -184,7 +185,8 @@ void MediaPlayer2Player::OpenUri(const QString& uri) {
     const QUrl url(uri, QUrl::StrictMode);
     if (!url.isLocalFile() || !reachable(controls_.window) || !reachable(controls_.stop)) return;
     QMetaObject::invokeMethod(
-        this, [this, path = url.toLocalFile()] { controls_.open(path); }, Qt::QueuedConnection);
+        this, widgets::guarded([this, path = url.toLocalFile()] { controls_.open(path); }),
+        Qt::QueuedConnection);
 }
 
 }  // namespace app

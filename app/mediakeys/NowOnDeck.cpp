@@ -8,6 +8,7 @@
 #include <QUrl>
 
 #include "platform/Paths.h"
+#include "widgets/Dispatch.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -33,8 +34,9 @@ void NowOnDeck::read(const QString& path) {
     pool_.clear();
     pool_.start([this, path] {
         Read read{path, audio::tags::readTrackDetails(platform::toPath(path))};
-        QMetaObject::invokeMethod(
-            &here_, [this, read = std::move(read)] { take(read); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(&here_,
+                                  widgets::guarded([this, read = std::move(read)] { take(read); }),
+                                  Qt::QueuedConnection);
     });
 }
 

@@ -3,6 +3,7 @@
 
 #include "effects/dialogs/FadeLengths.h"
 #include "ui_FadeForm.h"
+#include "widgets/Dispatch.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -17,8 +18,9 @@ FadeForm::FadeForm(const Kind& kind, BatchRunner& runner, QWidget* parent)
     ui_->Slider1->setAccessibleName(kind_.quietEnd + u" magnitude of the fade"_s);
     ui_->Combo5->setCompleter(nullptr);  // the text stays as typed: it is compared to the letter
     connectButtons(ui_->Command1, ui_->Command2);
-    connect(ui_->Slider1, &QSlider::valueChanged, ui_->LabelLevel,
-            [this](int level) { ui_->LabelLevel->setText(u"%1 %"_s.arg(level)); });
+    connect(
+        ui_->Slider1, &QSlider::valueChanged, ui_->LabelLevel,
+        widgets::guarded([this](int level) { ui_->LabelLevel->setText(u"%1 %"_s.arg(level)); }));
     makeEasy(ui_->Slider1);
 }
 

@@ -9,6 +9,7 @@
 #include "app/modules/modMain.h"
 #include "platform/Foreground.h"
 #include "ui_frmEffects.h"
+#include "widgets/Dispatch.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -34,8 +35,9 @@ frmEffects::frmEffects(BatchRunner& runner, QWidget* parent)
     ui_->setupUi(this);
     setWindowFlag(Qt::WindowStaysOnTopHint);
     connectButtons(ui_->Command1, ui_->Command2);
-    connect(ui_->Slider1, &QSlider::valueChanged, this, [this] { Slider1_Change(); });
-    connect(&Timer1, &QTimer::timeout, this, [this] { Timer1_Timer(); });
+    connect(ui_->Slider1, &QSlider::valueChanged, this,
+            widgets::guarded(this, &frmEffects::Slider1_Change));
+    connect(&Timer1, &QTimer::timeout, this, widgets::guarded(this, &frmEffects::Timer1_Timer));
     Form_Load();
     makeEasy(ui_->Slider1);
     Timer1.setObjectName(u"Timer1"_s);

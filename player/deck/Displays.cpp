@@ -9,6 +9,7 @@
 
 #include "audio/dsp/Peaks.h"
 #include "player/engine/PlayerEngine.h"
+#include "widgets/Dispatch.h"
 #include "widgets/PictureBox.h"
 
 namespace player {
@@ -27,11 +28,15 @@ int markerX(double share, int width) {
 Displays::Displays(PlayerEngine& engine, const DisplayColours& colours, QObject* parent)
     : QObject(parent), engine_(engine), colours_(colours) {
     frames_.setInterval(frameTime);
-    connect(&frames_, &QTimer::timeout, this, &Displays::tick);
-    connect(&engine_, &PlayerEngine::PlaybackStarted, this, &Displays::play);
-    connect(&engine_, &PlayerEngine::NowPlayingChanged, this, &Displays::takePeaks);
-    connect(&engine_, &PlayerEngine::PeaksChanged, this, &Displays::takePeaks);
-    connect(&engine_, &PlayerEngine::PlaybackEnded, this, &Displays::refresh);
+    connect(&frames_, &QTimer::timeout, this, widgets::guarded(this, &Displays::tick));
+    connect(&engine_, &PlayerEngine::PlaybackStarted, this,
+            widgets::guarded(this, &Displays::play));
+    connect(&engine_, &PlayerEngine::NowPlayingChanged, this,
+            widgets::guarded(this, &Displays::takePeaks));
+    connect(&engine_, &PlayerEngine::PeaksChanged, this,
+            widgets::guarded(this, &Displays::takePeaks));
+    connect(&engine_, &PlayerEngine::PlaybackEnded, this,
+            widgets::guarded(this, &Displays::refresh));
 }
 
 void Displays::createWaveform(int player, widgets::PictureBox* area) {

@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QLabel>
 #include <QPushButton>
+#include <QSlider>
 #include <QTimer>
 #include <gtest/gtest.h>
 
@@ -221,4 +222,16 @@ TEST(Dispatch, EndsACommandInsideItsSlotAndShowsWhy) {
     EXPECT_EQ(ended, 0);
     Q_EMIT button.clicked();
     EXPECT_EQ(ended, 1);
+}
+
+TEST(Dispatch, HandsASlotTheArgumentsThatItTakes) {
+    QSlider slider;
+    int told = 0;
+    int without = 0;
+    QObject::connect(&slider, &QSlider::valueChanged, &slider,
+                     guarded([&](int value) { told = value; }));
+    QObject::connect(&slider, &QSlider::valueChanged, &slider, guarded([&] { ++without; }));
+    slider.setValue(7);
+    EXPECT_EQ(told, 7);
+    EXPECT_EQ(without, 1);
 }

@@ -7,6 +7,7 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
+#include "widgets/Dispatch.h"
 #include "widgets/PlainToolTip.h"
 #include "wizard/Naming.h"
 #include "wizard/form/TimelineView.h"
@@ -40,8 +41,9 @@ MixPreview::MixPreview(QWidget* parent)
     layout->setSpacing(4);
     layout->addLayout(texts);
     layout->addWidget(view_, 1);
-    connect(&scanner_, &TrackScanner::changed, this, &MixPreview::refreshSoon);
-    connect(&soon_, &QTimer::timeout, this, &MixPreview::refresh);
+    connect(&scanner_, &TrackScanner::changed, this,
+            widgets::guarded(this, &MixPreview::refreshSoon));
+    connect(&soon_, &QTimer::timeout, this, widgets::guarded(this, &MixPreview::refresh));
     soon_.setSingleShot(true);
     refresh();
 }

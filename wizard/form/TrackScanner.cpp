@@ -9,6 +9,7 @@
 #include "audio/tags/TrackInfo.h"
 #include "platform/Error.h"
 #include "platform/Paths.h"
+#include "widgets/Dispatch.h"
 
 namespace wizard {
 
@@ -48,7 +49,7 @@ void TrackScanner::readLength(const QString& path) {
     const auto info = audio::tags::readTrackInfo(platform::toPath(path));
     TrackScan scan;
     scan.seconds = static_cast<double>(std::max<std::int64_t>(0, info.durationMs)) / 1000;
-    QMetaObject::invokeMethod(this, [this, path, scan] { keep(path, scan); });
+    QMetaObject::invokeMethod(this, widgets::guarded([this, path, scan] { keep(path, scan); }));
 }
 
 void TrackScanner::readPeaks(const QString& path) try {
@@ -64,7 +65,7 @@ void TrackScanner::readPeaks(const QString& path) try {
     for (const auto& column : meter.peaks().columns)
         scan.peaks << std::max(-column.low, column.high);
     if (!scan.peaks.empty()) scan.peak = *std::ranges::max_element(scan.peaks);
-    QMetaObject::invokeMethod(this, [this, path, scan] { keep(path, scan); });
+    QMetaObject::invokeMethod(this, widgets::guarded([this, path, scan] { keep(path, scan); }));
 } catch (const platform::Error&) {
     // The length is all that is shown of such a file; the run will say what is wrong with it.
 }

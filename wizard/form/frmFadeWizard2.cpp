@@ -63,31 +63,28 @@ void frmFadeWizard2::buildEffectChecks() {
         const int place = static_cast<int>(effectChecks_.size());
         ui_->checksLayout->addWidget(check, place % Rows, place / Rows);
         connect(check, &QCheckBox::toggled, this,
-                [this, &row](bool on) { widgets::dispatch([&] { Check_Click(row, on); }); });
+                widgets::guarded([this, &row](bool on) { Check_Click(row, on); }));
         effectChecks_.push_back(check);
     }
 }
 
 void frmFadeWizard2::connectControls() {
     using widgets::guarded;
-    const auto click = [this](QAbstractButton* button, auto handler) {
-        connect(button, &QAbstractButton::clicked, this, handler);
+    const auto click = [this](QAbstractButton* button, void (frmFadeWizard2::*handler)()) {
+        connect(button, &QAbstractButton::clicked, this, guarded(this, handler));
     };
-    click(ui_->Button1, guarded(this, &frmFadeWizard2::Button1_Click));
-    click(ui_->Button2, guarded(this, &frmFadeWizard2::Button2_Click));
-    click(ui_->Button3, guarded(this, &frmFadeWizard2::Button3_Click));
-    click(ui_->Button4, guarded([this] { selectFile(ui_->Text1); }));
-    click(ui_->Button5, guarded([this] { selectFile(ui_->Text2); }));
-    click(ui_->Button11, guarded([this] { selectFile(ui_->Text3); }));
-    click(ui_->Button8, guarded([this] { ui_->Text1->clear(); }));
-    click(ui_->Button9, guarded([this] { ui_->Text2->clear(); }));
-    click(ui_->Button12, guarded([this] { ui_->Text3->clear(); }));
-    click(ui_->Button6, guarded(this, &frmFadeWizard2::Button6_Click));
-    click(ui_->Button7, guarded(this, &frmFadeWizard2::Button7_Click));
-    click(ui_->Button10, guarded(this, &frmFadeWizard2::Button10_Click));
-    click(ui_->Button13, guarded(this, &frmFadeWizard2::Button13_Click));
-    click(ui_->Button14, guarded(this, &frmFadeWizard2::Button14_Click));
-    click(ui_->Button38, guarded(this, &frmFadeWizard2::Button38_Click));
+    click(ui_->Button1, &frmFadeWizard2::Button1_Click);
+    click(ui_->Button2, &frmFadeWizard2::Button2_Click);
+    click(ui_->Button3, &frmFadeWizard2::Button3_Click);
+    click(ui_->Button6, &frmFadeWizard2::Button6_Click);
+    click(ui_->Button7, &frmFadeWizard2::Button7_Click);
+    click(ui_->Button10, &frmFadeWizard2::Button10_Click);
+    click(ui_->Button13, &frmFadeWizard2::Button13_Click);
+    click(ui_->Button14, &frmFadeWizard2::Button14_Click);
+    click(ui_->Button38, &frmFadeWizard2::Button38_Click);
+    connectFileField(ui_->Button4, ui_->Button8, ui_->Text1);
+    connectFileField(ui_->Button5, ui_->Button9, ui_->Text2);
+    connectFileField(ui_->Button11, ui_->Button12, ui_->Text3);
     connect(ui_->mnuAbout, &QAction::triggered, this,
             guarded(this, &frmFadeWizard2::Button14_Click));
     connect(ui_->mnuUpdates, &QAction::triggered, this,
@@ -106,6 +103,13 @@ void frmFadeWizard2::connectControls() {
             guarded(this, &frmFadeWizard2::updatePreview));
     connect(&files, &QAbstractItemModel::modelReset, this,
             guarded(this, &frmFadeWizard2::updatePreview));
+}
+
+void frmFadeWizard2::connectFileField(QAbstractButton* select, QAbstractButton* clear,
+                                      QLineEdit* field) {
+    connect(select, &QAbstractButton::clicked, this,
+            widgets::guarded([this, field] { selectFile(field); }));
+    connect(clear, &QAbstractButton::clicked, field, &QLineEdit::clear);
 }
 
 void frmFadeWizard2::Form_Load() {

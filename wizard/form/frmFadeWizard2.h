@@ -13,6 +13,7 @@
 #include "wizard/RunView.h"
 #include "wizard/Session.h"
 
+class QAbstractButton;
 class QCheckBox;
 class QLineEdit;
 class QTimer;
@@ -79,6 +80,7 @@ class frmFadeWizard2 : public QMainWindow, private RunView {
     void Form_Unload();
     void buildEffectChecks();
     void connectControls();
+    void connectFileField(QAbstractButton* select, QAbstractButton* clear, QLineEdit* field);
     void followDeactivation();
 
     // frmFadeWizard2_settings.cpp
