@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "audio/ffmpeg/Ffmpeg.h"
 
+#include <algorithm>
 #include <array>
 #include <mutex>
 #include <new>
@@ -23,6 +24,12 @@ FramePtr makeFrame() {
     FramePtr frame(av_frame_alloc());
     if (!frame) throw std::bad_alloc();
     return frame;
+}
+
+void fillPacket(AVPacket& packet, std::span<const std::uint8_t> bytes) {
+    av_packet_unref(&packet);
+    if (av_new_packet(&packet, static_cast<int>(bytes.size())) < 0) throw std::bad_alloc();
+    std::copy(bytes.begin(), bytes.end(), packet.data);
 }
 
 std::string ffmpegReason(int error) {

@@ -11,6 +11,7 @@ extern "C" {
 
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 
 #include "audio/pcm/SampleType.h"
@@ -57,6 +58,10 @@ using SwrPtr = std::unique_ptr<SwrContext, ResamplerFree>;
 ParametersPtr copyParameters(const AVCodecParameters& from);  ///< throws std::bad_alloc
 PacketPtr makePacket();                                       ///< throws std::bad_alloc
 FramePtr makeFrame();                                         ///< throws std::bad_alloc
+
+/// Makes a packet hold a copy of the bytes, with the zeros behind them that decoders may read
+/// (AV_INPUT_BUFFER_PADDING_SIZE). Throws std::bad_alloc.
+void fillPacket(AVPacket& packet, std::span<const std::uint8_t> bytes);
 
 /// FFmpeg's text for one of its error codes.
 std::string ffmpegReason(int error);

@@ -175,13 +175,8 @@ bool MpegSource::decodeNext() {
                         static_cast<std::size_t>(format_.channels));
         return true;
     }
-    const std::span<const std::uint8_t> bytes =
-        reader_.at(entry.offset, static_cast<std::size_t>(entry.size));
-    packet_->data = const_cast<std::uint8_t*>(bytes.data());  // only read
-    packet_->size = static_cast<int>(bytes.size());
+    ffmpeg::fillPacket(*packet_, reader_.at(entry.offset, static_cast<std::size_t>(entry.size)));
     const ffmpeg::StreamDecoder::Result result = decoder_->decode(packet_.get(), pending_);
-    packet_->data = nullptr;
-    packet_->size = 0;
     const auto samples = static_cast<std::size_t>(entry.samples);
     pending_.resize(samples * static_cast<std::size_t>(format_.channels));  // silence for the rest
     if (limiter_.apply(pending_, result.damaged || result.frames != samples)) damaged_ = true;
@@ -229,7 +224,8 @@ void MpegSource::seek(std::int64_t frame) {
         static_cast<std::size_t>(std::max<std::ptrdiff_t>(after - table_.begin(), 1)) - 1;
     const bool ahead = number >= next_ && number - next_ <= overlapFrames;
     const bool here = !pending_.empty() && raw >= pendingRaw_ && number + 1 == next_;
-    if (!ahead && !here) restartBefore(number);
+    // A jump that nothing was read after may have left the decoder before its warm-up.
+    if (number < warm_ || (!ahead && !here)) restartBefore(number);
 }
 
 void MpegSource::restartBefore(std::size_t number) {
@@ -240,6 +236,7 @@ void MpegSource::restartBefore(std::size_t number) {
         if (number - first > overlapFrames - 2) bytes += table_[first].size - header_.overhead();
     }
     next_ = first;
+    warm_ = number;
     pending_.clear();
     pendingRaw_ = table_[first].raw;
     decoder_->flush();

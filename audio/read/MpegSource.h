@@ -66,6 +66,7 @@ class MpegSource : public Decoder::Source {
     std::vector<float> pending_;  ///< one decoded frame
     std::int64_t pendingRaw_ = 0;
     std::size_t next_ = 0;  ///< the frame to decode next
+    std::size_t warm_ = 0;  ///< from this frame on the decoder gives what an unbroken run gives
 
     std::int64_t start_ = 0;      ///< raw place of position 0
     std::int64_t statedEnd_ = 0;  ///< raw end by the tag; valid unless the file holds more frames

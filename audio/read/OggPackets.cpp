@@ -141,10 +141,7 @@ bool OggPackets::read(SoundPacket& packet) {
     }
     Queued next = std::move(ready_.front());
     ready_.pop_front();
-    av_packet_unref(packet.data.get());
-    if (av_new_packet(packet.data.get(), static_cast<int>(next.bytes.size())) < 0)
-        throw std::bad_alloc();
-    std::copy(next.bytes.begin(), next.bytes.end(), packet.data->data);
+    ffmpeg::fillPacket(*packet.data, next.bytes);
     packet.stated = next.frames;
     packet.trim = next.trim;
     packet.lost = next.lost;

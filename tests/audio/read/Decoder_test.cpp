@@ -71,6 +71,31 @@ TEST_P(EveryFormat, SeeksToTheExactFrame) {
     }
 }
 
+// A jump whose sound nobody fetched, as from a slider that is drawn on, leaves no trace.
+TEST_P(EveryFormat, JumpsOfWhichNothingIsReadChangeNothing) {
+    const std::vector<float> straight = reading::readAll(file());
+    Decoder decoder(file());
+    const auto channels = std::size_t(decoder.format().channels);
+    const auto length = std::int64_t(straight.size() / channels);
+    std::mt19937 random(8);
+    std::vector<float> block(700 * channels);
+    for (int i = 0; i < 200; ++i) {
+        const std::int64_t first = i % 4 == 0 ? length : std::int64_t(random() % unsigned(length));
+        const std::int64_t second =
+            std::clamp<std::int64_t>(first - std::int64_t(random() % 6'000), 0, length - 1);
+        decoder.seek(first);
+        decoder.seek(second);
+        const std::size_t got = decoder.read(block.data(), 700);
+        const auto wanted = straight.begin() + std::ptrdiff_t(std::size_t(second) * channels);
+        ASSERT_EQ(std::int64_t(got), std::min<std::int64_t>(700, length - second));
+        ASSERT_LE(
+            support::maxDifference({wanted, wanted + std::ptrdiff_t(got * channels)},
+                                   {block.begin(), block.begin() + std::ptrdiff_t(got * channels)}),
+            GetParam().tolerance)
+            << "at " << second << " after " << first;
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Codec, EveryFormat,
     testing::Values(Case{"tone.wav"}, Case{"tone-u8.wav"}, Case{"tone-s24.wav"},
