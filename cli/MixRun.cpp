@@ -1,17 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/MixRun.h"
 
-#include <algorithm>
 #include <set>
 
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonObject>
 
+#include "cli/CommandPorts.h"
 #include "cli/Report.h"
 #include "effects/engine/AudioEditor.h"
-#include "lists/LineFile.h"
-#include "platform/Interrupt.h"
+#include "lists/ListWriter.h"
 #include "wizard/Naming.h"
 #include "wizard/RunView.h"
 #include "wizard/Session.h"
@@ -22,43 +21,25 @@ using namespace Qt::Literals::StringLiterals;
 namespace cli {
 namespace {
 
-/// Whoever started the run stops it by an interrupt.
-class Interrupt : public ports::EventPump {
-  public:
-    void yield() override {}
-    void repaint() override {}
-    bool closing() const override { return platform::interrupted(); }
-};
-
-/// The command line in the place of the wizard's window: its bar and boxes too, which ask nothing.
-class MixReport : public wizard::RunView, public ports::ProgressBar, public ports::Boxes {
+/// The command line in the place of the wizard's window, its bar too.
+class MixReport : public wizard::RunView, public ReportBar {
   public:
     MixReport(const MixRun& run, const wizard::Session& session, Report& report)
-        : run_(run), session_(session), report_(report) {}
+        : ReportBar(report, run.options.crossFade ? 2 : 1),
+          run_(run),
+          session_(session),
+          report_(report) {}
 
     wizard::Options options() const override { return run_.options; }
-    void selectFile(int index) override { begin(index, 0); }
-    void selectResult(int index) override { begin(index, 1); }
+    void selectFile(int index) override { take(index, 0); }
+    void selectResult(int index) override { take(index, 1); }
     void showResults() override {}
     void stepFailed(const QString& sentence) override { reportFailed(current_, sentence); }
 
-    void setShown(bool) override {}
-    void setMaximum(int) override {}
-    void setStatus(const QString&) override {}
     // One more file is transformed; the pass ends with a last call that puts its bar back to 0.
     void setValue(int files) override {
         if (files > 0 && !run_.options.crossFade) reportDone(current_);
     }
-    void setFraction(double fraction) override {
-        fraction_ = std::max(fraction_, fraction);
-        report_.progress(static_cast<std::size_t>(current_), (round_ + fraction_) / rounds());
-    }
-
-    void showMessage(const QString&) override {}
-    bool askYesNo(const QString&, const QString&) override { return true; }
-    bool warnOkCancel(const QString&, const QString&) override { return true; }
-    QString inputBox(const QString&, const QString&) override { return {}; }
-    QString browseForFolder(const QString&) override { return {}; }
 
     // Only here is a track of a mix done: until the rounds are over, any of them may still fail.
     void burn(const QStringList& results) override {
@@ -86,12 +67,9 @@ class MixReport : public wizard::RunView, public ports::ProgressBar, public port
     }
 
   private:
-    double rounds() const { return run_.options.crossFade ? 2 : 1; }
-
-    void begin(int index, int round) {
+    void take(int index, int round) {
         current_ = index;
-        round_ = round;
-        fraction_ = 0;
+        begin(static_cast<std::size_t>(index), round);
     }
 
     void reportDone(qsizetype index) {
@@ -115,8 +93,6 @@ class MixReport : public wizard::RunView, public ports::ProgressBar, public port
     const wizard::Session& session_;
     Report& report_;
     qsizetype current_ = 0;  // the file in hand
-    int round_ = 0;          // 0 = the pass, 1 = a round of the cross fade
-    double fraction_ = 0;
     std::set<qsizetype> failed_;
 };
 
@@ -129,11 +105,12 @@ void runMix(const MixRun& run, Report& report) {
     session.settings.fadeInMs = run.fadeInMs;
     session.settings.crossfade_value = run.overlapMs;
     MixReport view(run, session, report);
+    NoBoxes boxes;
     Interrupt events;
     effects::AudioEditor editor;
     QObject::connect(&editor, &effects::Editor::Progress,
                      [&](int percent) { view.setFraction(percent / 100.0); });
-    wizard::TransformationPass pass(editor, session, {view, view, view, events});
+    wizard::TransformationPass pass(editor, session, {view, view, boxes, events});
     if (const QString reason = pass.reasonAgainst(); !reason.isEmpty())
         return report.failed(run.options.targetPath, reason);
     report.begin(static_cast<std::size_t>(run.files.size()));

@@ -5,13 +5,9 @@
 
 #include <QString>
 
-namespace handoff {
+#include "ports/Ports.h"
 
-/// One entry to be copied.
-struct CopyItem {
-    QString source;  ///< full path
-    QString name;    ///< file name, without folder
-};
+namespace handoff {
 
 /// What a project's list of copied files is called.
 inline const QString projectListName = QStringLiteral("temp.m3u");
@@ -20,10 +16,20 @@ inline const QString projectListName = QStringLiteral("temp.m3u");
 /// comment is given its folder ("./#1.mp3").
 QString projectListLine(const QString& name);
 
-/// Copies one file to `target` immediately followed by its name, on a worker thread, while this
-/// thread handles its events. `progress` is told the fraction done, on this thread. Returns false
-/// where the program ended meanwhile and the copy was abandoned. Throws platform::Error.
-bool copyWhileYielding(const CopyItem& item, const QString& target,
-                       const std::function<void(double)>& progress);
+/// Called when an entry of the list has been copied, in their order.
+using Copied = std::function<void(int entry)>;
+
+/// Copies every file of the list to `target` immediately followed by its name, one after the other,
+/// each on a worker thread while this thread handles its events. The bar counts files, its fraction
+/// is that of the file in hand. Returns false where nobody waits for the end any more: the file in
+/// hand is completed then, unless the whole program ends. Throws platform::Error at the first file
+/// that cannot be copied; what has been copied stays.
+bool copyFiles(const ports::Ports& ports, const QString& target, const Copied& copied = {});
+
+/// The same into a folder (ending in a separator), with a list of the bare names beside the copies.
+/// A list that is there, perhaps the one that is copied, gives way only to a whole one; where there
+/// is none, the list of a copying that ended early holds the names copied so far. Throws before
+/// anything is copied where the list cannot be written.
+bool copyProject(const ports::Ports& ports, const QString& folder, const Copied& copied = {});
 
 }  // namespace handoff

@@ -3,7 +3,7 @@
 
 #include <filesystem>
 
-#include "lists/LineFile.h"
+#include "lists/ListWriter.h"
 #include "platform/Paths.h"
 
 namespace handoff {

@@ -3,14 +3,16 @@
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
 #include <limits>
-#include <optional>
 
 #include "app/modules/modMain.h"
 #include "handoff/HandoffFiles.h"
 #include "handoff/LaunchCompanion.h"
 #include "handoff/LoadedList.h"
-#include "lists/LineFile.h"
+#include "lists/ListText.h"
+#include "lists/ListWriter.h"
+#include "platform/Paths.h"
 #include "platform/ResumeNext.h"
 #include "ports/Boxes.h"
 #include "ports/EventPump.h"
@@ -60,13 +62,26 @@ void countSelected(const ports::Ports& ports) {
     ports.bar.setMaximum(modMain::SelectedCount + 1);
 }
 
-void writeSelectedMp3s(const ports::Ports& ports, std::optional<lists::LineFile>& file) {
+/// A name that no line can hold is left out.
+QByteArray linesOfSelectedMp3s(const ports::Ports& ports) {
+    QByteArray lines;
     const int rows = ports.list.rowCount();
     for (int row = 1; row <= rows; ++row) {
         if (!ports.list.rowSelected(row)) continue;
         ports.events.yield();
         const QString path = ports.list.entryPath(row - 1);
-        if (file && isMp3(path)) platform::resumeNext([&] { file->writeLine(path); });
+        if (isMp3(path)) platform::resumeNext([&] { lines += lists::encodeLine(path); });
+    }
+    return lines;
+}
+
+// Better no list than the one of another time.
+void replaceOrRemove(const QString& path, const QByteArray& lines) {
+    try {
+        lists::replaceListFile(path, lines);
+    } catch (const std::exception&) {
+        std::error_code ignored;
+        std::filesystem::remove(platform::toPath(path), ignored);
     }
 }
 
@@ -93,12 +108,9 @@ void dataCdWriter() {
 void openInEditor(const ports::FileList& list) {
     const int row = firstSelectedRow(list);
     if (row == 0) return;
-    const QString path = list.entryPath(row - 1);
-    {
-        lists::LineFile file(editorFile());
-        createWorkingFolder();
-        platform::resumeNext([&] { file.writeLine(path); });
-    }
+    QByteArray line;
+    platform::resumeNext([&] { line = lists::encodeLine(list.entryPath(row - 1)); });
+    lists::replaceListFile(editorFile(), line);
     LaunchCompanion(u"\\Zolvo.exe"_s);
 }
 
@@ -121,13 +133,9 @@ void DataCdHandoff(ports::Boxes& boxes, LoadedList& loaded, std::int16_t player)
 }
 
 void TagHandoff(const ports::Ports& ports) {
-    {
-        createWorkingFolder();
-        std::optional<lists::LineFile> file;
-        platform::resumeNext([&] { file.emplace(tagFile()); });
-        countSelected(ports);
-        writeSelectedMp3s(ports, file);
-    }
+    createWorkingFolder();
+    countSelected(ports);
+    replaceOrRemove(tagFile(), linesOfSelectedMp3s(ports));
     LaunchCompanion(u"\\Glyphwell.EXE"_s);
 }
 

@@ -20,7 +20,7 @@ void audioCdWriter(ports::Boxes& boxes, LoadedList& loaded, std::int16_t totalMi
 /// The command "Data CD Writer": starts it, with nothing handed over.
 void dataCdWriter();
 /// The command "Open selected file in the Audio Editor": the first selected entry's path. Throws
-/// platform::Error where the hand-off file cannot be opened; every later failure is passed over.
+/// platform::Error where the hand-off file cannot be written, and starts nothing then.
 void openInEditor(const ports::FileList& list);
 
 /// Saves a player's playlist as C:\burn_list.dat and starts the writer's shelf. Asks first where

@@ -62,4 +62,15 @@ void replaceListFile(const QString& path, const QByteArray& bytes) {
     platform::file::replaceWith(platform::toPath(path), std::as_bytes(std::span(bytes)));
 }
 
+void writeLines(const QString& path, const QStringList& lines) {
+    QByteArray bytes;
+    try {
+        for (const QString& line : lines) bytes += encodeLine(line);
+    } catch (const platform::Error& reason) {
+        throw platform::Error("“" + path.toStdString() +
+                              "” could not be written: " + reason.what() + ".");
+    }
+    replaceListFile(path, bytes);
+}
+
 }  // namespace lists

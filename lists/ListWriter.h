@@ -5,6 +5,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 #include "lists/ListReader.h"
 
@@ -24,5 +25,9 @@ QByteArray writePls(const std::vector<ListedEntry>& entries);
 /// Puts bytes in the place of a file (of the one behind it, where it is a symbolic link): whole, or
 /// not at all. Throws platform::Error.
 void replaceListFile(const QString& path, const QByteArray& bytes);
+
+/// The same for a text file of lines: UTF-8, CR LF after every line, no mark. Throws before
+/// anything is written for a text that has no UTF-8 form or would not stay one line.
+void writeLines(const QString& path, const QStringList& lines);
 
 }  // namespace lists

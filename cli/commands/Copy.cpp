@@ -3,22 +3,21 @@
 
 #include <exception>
 #include <memory>
-#include <optional>
 #include <string>
-#include <vector>
 
 #include <CLI/CLI.hpp>
 #include <QDir>
 #include <QFileInfo>
 
+#include "cli/CommandPorts.h"
 #include "cli/Invocation.h"
 #include "handoff/CopyFiles.h"
 #include "handoff/PickedFolder.h"
-#include "lists/LineFile.h"
 #include "lists/ListReader.h"
 #include "platform/Error.h"
-#include "platform/Interrupt.h"
 #include "platform/Paths.h"
+#include "platform/file/FileId.h"
+#include "ports/Ports.h"
 
 namespace cli {
 namespace {
@@ -38,49 +37,79 @@ QString targetOf(const CopyArguments& arguments) {
     return wanted && !separated ? folder + platform::nativeSeparator() : folder;
 }
 
-void copyOne(const handoff::CopyItem& item, const QString& target, std::size_t number,
-             Report& report) {
-    if (platform::interrupted()) throw platform::Error("The copying was interrupted.");
-    handoff::copyWhileYielding(item, target,
-                               [&](double fraction) { report.progress(number, fraction); });
-    report.done(item.source, target + item.name);
+/// The bar counts the file in hand as one after those that are done.
+class CopyBar : public ReportBar {
+  public:
+    using ReportBar::ReportBar;
+    void setFraction(double fraction) override { ReportBar::setFraction(fraction - 1); }
+};
+
+QStringList pathsOf(const QString& list) {
+    QStringList paths;
+    for (const lists::ListedEntry& entry : lists::readListFile(list)) paths += entry.path;
+    return paths;
 }
 
-void copyAll(const std::vector<lists::ListedEntry>& entries, const QString& target,
-             std::optional<lists::LineFile>& list, Report& report) {
-    std::size_t number = 0;
-    for (const lists::ListedEntry& entry : entries) {
-        const handoff::CopyItem item{entry.path, lists::nameOf(entry.path)};
+/// The copying as the window does it, with a line for every file.
+class Copying {
+  public:
+    Copying(const QStringList& files, const QString& target, Report& report)
+        : files_(files), target_(target), report_(report), bar_(report) {}
+
+    void run(bool withList) {
+        report_.begin(static_cast<std::size_t>(files_.rowCount()));
         try {
-            copyOne(item, target, number++, report);
-            if (list) list->writeLine(handoff::projectListLine(item.name));
+            if (!copyAll(withList) && done_ < files_.rowCount())
+                throw platform::Error("The copying was interrupted.");
         } catch (const std::exception& error) {
-            report.failed(item.source, QString::fromUtf8(error.what()));
-            return;
+            report_.failed(inHand(), QString::fromUtf8(error.what()));
         }
+        report_.end();
     }
-}
 
-/// Where the new list goes. It must not take the place of the list that is being copied.
-QString newListFor(const QString& copied, const QString& target) {
+  private:
+    bool copyAll(bool withList) {
+        const auto copied = [this](int entry) { tellCopied(entry); };
+        const ports::Ports ports{files_, bar_, boxes_, events_};
+        return withList ? handoff::copyProject(ports, target_, copied)
+                        : handoff::copyFiles(ports, target_, copied);
+    }
+
+    void tellCopied(int entry) {
+        report_.done(files_.entryPath(entry), target_ + files_.entryName(entry));
+        done_ = entry + 1;
+        bar_.begin(static_cast<std::size_t>(done_));
+    }
+
+    /// The list comes after all files.
+    QString inHand() const {
+        return done_ < files_.rowCount() ? files_.entryPath(done_)
+                                         : target_ + handoff::projectListName;
+    }
+
+    ListedFiles files_;
+    const QString target_;
+    Report& report_;
+    CopyBar bar_;
+    NoBoxes boxes_;
+    Interrupt events_;
+    int done_ = 0;
+};
+
+/// The new list must not take the place of the one that is being copied.
+void refuseOwnFolder(const QString& copied, const QString& target) {
     const QString path = target + handoff::projectListName;
-    if (QFileInfo::exists(path) && QFileInfo(path) == QFileInfo(copied)) {
+    if (platform::file::isSameFile(platform::toPath(path), platform::toPath(copied)))
         throw platform::Error("The playlist \"" + path.toStdString() +
                               "\" cannot be copied into its own folder.");
-    }
-    return path;
 }
 
 void copy(const CopyArguments& arguments, Invocation& invocation) {
     const QString copied = QString::fromStdString(arguments.list);
-    const auto entries = lists::readListFile(copied);
+    const QStringList files = pathsOf(copied);
     const QString target = targetOf(arguments);
-    std::optional<lists::LineFile> list;
-    if (!arguments.player) list.emplace(newListFor(copied, target));
-    Report& report = invocation.report();
-    report.begin(entries.size());
-    copyAll(entries, target, list, report);
-    report.end();
+    if (!arguments.player) refuseOwnFolder(copied, target);
+    Copying(files, target, invocation.report()).run(!arguments.player);
 }
 
 }  // namespace

@@ -69,6 +69,15 @@ TEST_F(Lists, CopyEndsAtTheFirstFailure) {
     EXPECT_EQ(readFile(folder / "out/temp.m3u"), "a.mp3\r\n");
 }
 
+TEST_F(Lists, AListThatWasThereGivesWayOnlyToAWholeOne) {
+    writeFile(folder / "out/temp.m3u", "old.mp3\r\n");
+    writeFile(folder / "short.m3u", "music/a.mp3\nmusic/gone.mp3\n");
+    EXPECT_EQ(cli({u"copy"_s, at(u"short.m3u"_s), u"--to"_s, at(u"out"_s)}).exitCode, 1);
+    EXPECT_EQ(readFile(folder / "out/temp.m3u"), "old.mp3\r\n");
+    EXPECT_EQ(cli({u"copy"_s, at(u"list.m3u"_s), u"--to"_s, at(u"out"_s)}).exitCode, 0);
+    EXPECT_EQ(readFile(folder / "out/temp.m3u"), "a.mp3\r\nété – 音.mp3\r\n");
+}
+
 TEST_F(Lists, CopyOntoTheFilesThemselvesLeavesThem) {
     const Outcome outcome = cli({u"copy"_s, at(u"list.m3u"_s), u"--to"_s, at(u"music"_s)});
     EXPECT_EQ(outcome.exitCode, 1);

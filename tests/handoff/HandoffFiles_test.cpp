@@ -4,7 +4,7 @@
 #include <gmock/gmock.h>
 
 #include "handoff/CopyFiles.h"
-#include "lists/LineFile.h"
+#include "lists/ListWriter.h"
 #include "platform/Paths.h"
 #include "tests/platform/file/FileTools.h"
 #include "tests/support/TempFolder.h"
@@ -40,29 +40,28 @@ TEST(HandoffFiles, TheWorkingFolderMayExist) {
         std::filesystem::is_directory(platform::toPath(platform::fixedPath(u"C:\\Zolvo_Temp"_s))));
 }
 
-TEST(LineFile, WhatIsWrittenIsThereAtOnce) {
+TEST(WriteLines, ErrorsNameTheFileAndTheReason) {
     const support::TempFolder folder;
-    lists::LineFile file(folder.file(u"list"_s));
-    file.writeLine(u"one"_s);
-    EXPECT_EQ(readFile(folder / "list"), "one\r\n");
-}
-
-TEST(LineFile, ErrorsNameTheFileAndTheReason) {
-    const support::TempFolder folder;
-    EXPECT_THAT(errorOf([&] { lists::LineFile file(folder.file(u"none/list"_s)); }),
+    EXPECT_THAT(errorOf([&] { lists::writeLines(folder.file(u"none/list"_s), {}); }),
                 testing::AllOf(HasSubstr("none/list"), HasSubstr("No such file")));
-    lists::LineFile full(u"/dev/full"_s);
-    EXPECT_THAT(errorOf([&] { full.writeLine(u"one"_s); }),
-                testing::AllOf(HasSubstr("/dev/full"), HasSubstr("No space")));
 }
 
-// A line that cannot be written as it is stays out; it never becomes another one.
-TEST(LineFile, TextWithoutAFormIsAnError) {
+// A line never becomes another one, and a list that cannot be written leaves the one before.
+TEST(WriteLines, IsWholeOrNotAtAll) {
     const support::TempFolder folder;
-    lists::LineFile file(folder.file(u"list"_s));
-    EXPECT_THAT(errorOf([&] { file.writeLine(u"a"_s + QChar(0xDC00)); }), HasSubstr("list"));
-    EXPECT_THAT(errorOf([&] { file.writeLine(u"two\nlines"_s); }), HasSubstr("two"));
-    EXPECT_EQ(readFile(folder / "list"), "");
+    const QString list = folder.file(u"list"_s);
+    lists::writeLines(list, {u"one"_s});
+    EXPECT_THAT(errorOf([&] {
+                    lists::writeLines(list, {u"two"_s, u"a"_s + QChar(0xDC00)});
+                }),
+                HasSubstr("list"));
+    EXPECT_THAT(errorOf([&] { lists::writeLines(list, {u"three\nlines"_s}); }), HasSubstr("three"));
+    {
+        const test::FileSizeLimit full(4);
+        EXPECT_THAT(errorOf([&] { lists::writeLines(list, {u"too long"_s}); }), HasSubstr("list"));
+    }
+    EXPECT_EQ(readFile(folder / "list"), "one\r\n");
+    EXPECT_THAT(test::namesIn(folder.path()), testing::ElementsAre("list"));
 }
 
 TEST(ProjectList, ANameNeverReadsAsAComment) {

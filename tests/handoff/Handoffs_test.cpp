@@ -138,3 +138,29 @@ TEST_F(Handoffs, TheTagEditorIsStartedWithoutAFileToo) {
     handoff::TagHandoff(window.all());
     EXPECT_TRUE(editor.started());
 }
+
+// Where the list cannot be written, the editor must not find the one of another time.
+TEST_F(Handoffs, TheTagEditorGetsNoOldList) {
+    const fs::path list = platform::toPath(handoff::tagFile());
+    fs::create_directories(list.parent_path());
+    test::writeFile(list, "/old.mp3\r\n");
+    window.paths = {u"/a.mp3"_s};
+    window.selected = {1};
+    const test::FileSizeLimit full(4);
+    handoff::TagHandoff(window.all());
+    EXPECT_THAT(test::namesIn(list.parent_path()), testing::IsEmpty());
+}
+
+TEST_F(Handoffs, AnEditorWithoutItsListIsNotStarted) {
+    const Companion editor("Zolvo.exe");
+    const fs::path list = platform::toPath(handoff::editorFile());
+    fs::create_directories(list);
+    window.paths = {u"/a.mp3"_s};
+    window.selected = {1};
+    EXPECT_THAT(test::errorOf([&] { handoff::openInEditor(window); }),
+                testing::HasSubstr("editor.dat"));
+    const Companion last("Quillon.exe");
+    handoff::launch(handoff::Companion::Quillon);
+    EXPECT_TRUE(last.started());
+    EXPECT_FALSE(editor.hasStarted());
+}
