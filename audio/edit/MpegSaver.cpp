@@ -10,7 +10,6 @@
 #include "audio/mpeg/splice/Splice.h"
 #include "audio/tags/CommonTags.h"
 #include "audio/tags/MpegTags.h"
-#include "audio/write/Encoder.h"
 #include "platform/Error.h"
 
 namespace audio::edit {
@@ -102,6 +101,12 @@ mpeg::EncoderSettings settingsFor(const Format& format) {
     return settings;
 }
 
+/// Layer II can state no length of its own: it ends with a whole frame.
+std::int64_t storedFrames(const mpeg::EncoderSettings& settings, std::int64_t frames) {
+    const std::int64_t block = settings.layer == 2 ? settings.samplesPerFrame() : 1;
+    return (frames + block - 1) / block * block;
+}
+
 /// One save of MPEG audio.
 class MpegSave {
   public:
@@ -110,7 +115,7 @@ class MpegSave {
         options_.levelChanged = job.levelChanged();
         options_.progress = [this](double part) { report(part); };
         work_.begin(steps);
-        report_.frames = write::Encoder::storedFrames(job.output, job.outputFrames());
+        report_.frames = storedFrames(settingsFor(job.output), job.outputFrames());
         report_.renderedFrames = report_.frames;
     }
 

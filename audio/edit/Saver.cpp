@@ -46,8 +46,13 @@ void requireCarriable(const SaveJob& job) {
         refuse(job, "its chapters could not be carried over");
 }
 
+bool isMpeg(const Format& format) {
+    return format.container == Container::Mpeg &&
+           (format.codec == Codec::Mp3 || format.codec == Codec::Mp2);
+}
+
 void requireEncoder(const SaveJob& job) {
-    if (write::Encoder::canEncode(job.output)) return;
+    if (isMpeg(job.output) || write::Encoder::canEncode(job.output)) return;
     refuse(job, "there is no encoder for its format (" + job.output.codecName + ")");
 }
 
@@ -111,6 +116,8 @@ SaveReport writeVerifiedMpeg(const SaveJob& job, platform::file::Replacement& fi
         verifySound(file.temporary(), job, report);
         report.verified = true;
         return report;
+    } catch (const Cancelled&) {
+        throw;
     } catch (const platform::Error& error) {
         job.source->requireUnchanged();
         file.truncate(0);
@@ -129,8 +136,7 @@ SaveReport write(const SaveJob& job, platform::file::Replacement& file, Work& wo
     work.begin(job.list.frames());
     const bool unchanged = job.sameFormat() && job.keepTags && job.list.isAllOf(*job.source);
     if (unchanged) return writeCopy(job, file, work);
-    if (job.output.codec == Codec::Mp3 || job.output.codec == Codec::Mp2)
-        return writeVerifiedMpeg(job, file, work);
+    if (isMpeg(job.output)) return writeVerifiedMpeg(job, file, work);
     return writeEncoded(job, file, work);
 }
 

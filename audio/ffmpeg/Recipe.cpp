@@ -7,8 +7,6 @@
 namespace audio::ffmpeg {
 namespace {
 
-constexpr int layer2Delay = 481;  // encoder's and decoder's filter banks together
-constexpr int layer2Block = 1'152;
 constexpr int aacDelay = 1'024;
 
 struct MuxerName {
@@ -16,14 +14,19 @@ struct MuxerName {
     const char* muxer;
 };
 // Containers that hold one sound and can be written as they were read.
-constexpr std::array muxers = {
-    MuxerName{"asf", "asf"},   MuxerName{"asf_o", "asf"},
-    MuxerName{"mp3", "mp2"},   MuxerName{"flac", "flac"},
-    MuxerName{"aiff", "aiff"}, MuxerName{"au", "au"},
-    MuxerName{"caf", "caf"},   MuxerName{"w64", "w64"},
-    MuxerName{"wav", "wav"},   MuxerName{"tta", "tta"},
-    MuxerName{"wv", "wv"},     MuxerName{"aac", "adts"},
-    MuxerName{"ogg", "ogg"},   MuxerName{"mov,mp4,m4a,3gp,3g2,mj2", "ipod"}};
+constexpr std::array muxers = {MuxerName{"asf", "asf"},
+                               MuxerName{"asf_o", "asf"},
+                               MuxerName{"flac", "flac"},
+                               MuxerName{"aiff", "aiff"},
+                               MuxerName{"au", "au"},
+                               MuxerName{"caf", "caf"},
+                               MuxerName{"w64", "w64"},
+                               MuxerName{"wav", "wav"},
+                               MuxerName{"tta", "tta"},
+                               MuxerName{"wv", "wv"},
+                               MuxerName{"aac", "adts"},
+                               MuxerName{"ogg", "ogg"},
+                               MuxerName{"mov,mp4,m4a,3gp,3g2,mj2", "ipod"}};
 
 /// Codecs whose encoders give back the length they were given, in these containers.
 constexpr std::array faithful = {AV_CODEC_ID_FLAC, AV_CODEC_ID_ALAC, AV_CODEC_ID_WAVPACK,
@@ -40,10 +43,9 @@ int wmaBlock(const Format& format) {
 }
 
 const AVCodec* findEncoder(AVCodecID id) {
-    const char* preferred = nullptr;
-    if (id == AV_CODEC_ID_MP2) preferred = "libtwolame";  // takes floats
-    if (id == AV_CODEC_ID_OPUS) preferred = "libopus";    // FFmpeg's own is experimental
-    const AVCodec* encoder = preferred ? avcodec_find_encoder_by_name(preferred) : nullptr;
+    // FFmpeg's own encoder of Opus is experimental.
+    const AVCodec* encoder =
+        id == AV_CODEC_ID_OPUS ? avcodec_find_encoder_by_name("libopus") : nullptr;
     return encoder ? encoder : avcodec_find_encoder(id);
 }
 
@@ -60,11 +62,7 @@ Recipe recipeFor(const Format& format) {
     const AVCodecID id = codec->id;
     bool known = isPcm(id);
     for (const AVCodecID good : faithful) known = known || id == good;
-    if (id == AV_CODEC_ID_MP2 && format.containerName == "mp3") {
-        known = true;
-        recipe.cut = layer2Delay;
-        recipe.block = layer2Block;
-    } else if (format.codec == Codec::Wma && format.container == Container::Asf) {
+    if (format.codec == Codec::Wma && format.container == Container::Asf) {
         known = true;
         recipe.block = wmaBlock(format);
         recipe.lead = recipe.block;

@@ -40,12 +40,13 @@ struct EncoderOptions {
 /// empties, and never renames, syncs or removes anything. It does not resample, remap or dither.
 /// One thread at a time.
 ///
+/// MPEG audio is not among its formats: audio/mpeg/splice writes that.
+///
 /// Length is exact: an independent decoder finds storedFrames() frames, sample k written at place
 /// k.
-/// - WAV, MP3 (gapless Info tag), Ogg Vorbis, FLAC and the like: exactly what was written.
-/// - MP2 and WMA know whole blocks only, so the last is filled up with silence. Both codecs delay;
-///   the encoder takes that out. Of an MP2 the first 481 frames are before what its first block can
-///   say, so they come out faded in, as in every Layer II file.
+/// - WAV, Ogg Vorbis, FLAC and the like: exactly what was written.
+/// - WMA and raw AAC know whole blocks only, so the last is filled up with silence. Both codecs
+///   delay; the encoder takes that out.
 class Encoder {
   public:
     /// Creates the file. Throws platform::Error naming the file and the reason, also where no
@@ -86,9 +87,5 @@ class Encoder {
   private:
     std::unique_ptr<Sink> sink_;
 };
-
-/// The MP3 format nearest to what is asked: a rate that MP3 has (MPEG-1, 2 or 2.5), one or two
-/// channels, and a bit-rate legal for that rate; constant bit-rate.
-Format nearestMp3(int sampleRate, int kbps, int channels);
 
 }  // namespace audio::write

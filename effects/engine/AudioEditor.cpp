@@ -10,7 +10,7 @@
 #include "audio/edit/EffectMaterial.h"
 #include "audio/edit/Resampled.h"
 #include "audio/edit/Saver.h"
-#include "audio/write/Encoder.h"
+#include "audio/mpeg/encode/EncoderSettings.h"
 #include "effects/engine/BackgroundWork.h"
 #include "effects/engine/EditorState.h"
 #include "effects/engine/Measure.h"
@@ -357,7 +357,7 @@ void AudioEditor::SetOutputFormatWav(std::int32_t rate, std::int32_t channels, s
 }
 
 void AudioEditor::SetOutputFormatMp3(std::int32_t rate, std::int32_t kbps, std::int32_t channels) {
-    impl_->output = audio::write::nearestMp3(rate, kbps, channels);
+    impl_->output = audio::mpeg::nearestMp3(rate, kbps, channels);
 }
 
 void AudioEditor::SetKeepTags(bool keep) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "audio/Format.h"
 #include "audio/mpeg/read/FrameHeader.h"
 
 namespace audio::mpeg {
@@ -22,5 +23,9 @@ struct EncoderSettings {
     /// Settings for frames a little smaller, the smaller the more `steps` (1 …). Layer III.
     EncoderSettings cheaper(int steps) const;
 };
+
+/// The MP3 format nearest to what is asked: a rate that MP3 has (MPEG-1, 2 or 2.5), one or two
+/// channels, and a bit-rate legal for that rate; constant bit-rate.
+Format nearestMp3(int sampleRate, int kbps, int channels);
 
 }  // namespace audio::mpeg

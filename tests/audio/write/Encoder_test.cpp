@@ -37,9 +37,8 @@ void encode(const std::filesystem::path& file, const Format& format,
 }
 
 struct Case {
-    const char* like;      ///< the fixture whose format is written
-    double snr;            ///< dB at least, over what the block at the very start does not blur
-    std::size_t blur = 0;  ///< frames at the start and end that are not judged
+    const char* like;  ///< the fixture whose format is written
+    double snr;        ///< dB at least
 };
 std::ostream& operator<<(std::ostream& stream, const Case& written) {
     return stream << written.like;
@@ -62,9 +61,7 @@ TEST_P(EveryEncoder, WritesWhatItIsGivenWhereItBelongs) {
     EXPECT_EQ(written.channels, format.channels);
     EXPECT_EQ(std::int64_t(written.frames()),
               Encoder::storedFrames(format, std::int64_t(original.frames())));
-    const std::size_t blur = GetParam().blur;
-    EXPECT_GE(support::snrDb(original.part(blur, original.frames() - 2 * blur).samples,
-                             written.part(blur, original.frames() - 2 * blur).samples),
+    EXPECT_GE(support::snrDb(original.samples, written.part(0, original.frames()).samples),
               GetParam().snr);
 }
 
@@ -118,23 +115,22 @@ TEST_P(EveryEncoder, TenGenerationsNeitherGrowNorMove) {
                 0.1 * double(format.bitRate));
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Codec, EveryEncoder,
-    testing::Values(Case{"tone.wav", 200}, Case{"tone-u8.wav", 200}, Case{"tone-s24.wav", 200},
-                    Case{"tone-s32.wav", 130}, Case{"tone-f32.wav", 200}, Case{"tone-f64.wav", 200},
-                    Case{"tone-6ch.wav", 200}, Case{"tone-mono.wav", 200},
-                    Case{"tone-rf64.wav", 200}, Case{"tone.mp3", 15}, Case{"tone-vbr.mp3", 15},
-                    Case{"tone-320.mp3", 20}, Case{"tone-mono.mp3", 12}, Case{"tone-22k.mp3", 15},
-                    Case{"tone-11k.mp3", 12}, Case{"tone.mp2", 15, 1'152},
-                    Case{"tone-mono.mp2", 15, 1'152}, Case{"tone.ogg", 12},
-                    Case{"tone-mono.ogg", 10}, Case{"tone.wma", 10}, Case{"tone-v1.wma", 10},
-                    Case{"tone-mono.wma", 10}, Case{"tone.flac", 200}, Case{"tone-alac.m4a", 200},
-                    Case{"tone.aiff", 200}, Case{"tone-mulaw.wav", 200}),
-    [](const testing::TestParamInfo<Case>& param) {
-        std::string name = param.param.like;
-        for (char& letter : name)
-            if (!std::isalnum(static_cast<unsigned char>(letter))) letter = '_';
-        return name;
-    });
+INSTANTIATE_TEST_SUITE_P(Codec, EveryEncoder,
+                         testing::Values(Case{"tone.wav", 200}, Case{"tone-u8.wav", 200},
+                                         Case{"tone-s24.wav", 200}, Case{"tone-s32.wav", 130},
+                                         Case{"tone-f32.wav", 200}, Case{"tone-f64.wav", 200},
+                                         Case{"tone-6ch.wav", 200}, Case{"tone-mono.wav", 200},
+                                         Case{"tone-rf64.wav", 200}, Case{"tone.ogg", 12},
+                                         Case{"tone-mono.ogg", 10}, Case{"tone.wma", 10},
+                                         Case{"tone-v1.wma", 10}, Case{"tone-mono.wma", 10},
+                                         Case{"tone.flac", 200}, Case{"tone-alac.m4a", 200},
+                                         Case{"tone.aiff", 200}, Case{"tone-mulaw.wav", 200}),
+                         [](const testing::TestParamInfo<Case>& param) {
+                             std::string name = param.param.like;
+                             for (char& letter : name)
+                                 if (!std::isalnum(static_cast<unsigned char>(letter)))
+                                     letter = '_';
+                             return name;
+                         });
 
 }  // namespace

@@ -84,8 +84,7 @@ TEST_F(EncoderOptionsTest, VorbisCommentHeaderIsWrittenAsItStands) {
 }
 
 TEST_F(EncoderOptionsTest, TheSameSoundGivesTheSameBytes) {
-    for (const char* like :
-         {"tone.ogg", "tone.mp3", "tone.mp2", "tone.wma", "tone.wav", "tone.flac"}) {
+    for (const char* like : {"tone.ogg", "tone.wma", "tone.wav", "tone.flac"}) {
         const std::vector<float> sound = reading::readAll(support::fixture("tone.wav"));
         encode(formatOf(like), sound);
         const std::vector<std::byte> first = support::readBytes(file());
@@ -168,7 +167,6 @@ TEST_F(EncoderOptionsTest, NothingWraps) {
 }
 
 TEST_F(EncoderOptionsTest, LevelsAreKept) {
-    // LAME scales what it is given, by up to half a decibel, unless that is undone.
     std::vector<float> sound = reading::readAll(support::fixture("music.wav"));
     sound.resize(2 * 5 * 44'100);
     const auto energy = [](const std::vector<float>& samples) {
@@ -176,8 +174,7 @@ TEST_F(EncoderOptionsTest, LevelsAreKept) {
         for (const float sample : samples) sum += double(sample) * double(sample);
         return sum;
     };
-    for (const char* like :
-         {"tone.mp3", "tone-320.mp3", "tone-vbr.mp3", "tone.mp2", "tone.wma", "tone.ogg"}) {
+    for (const char* like : {"tone.wma", "tone.ogg"}) {
         encode(formatOf(like), sound);
         const double ratio = energy(support::decodeWithFfmpeg(file()).samples) / energy(sound);
         EXPECT_NEAR(10 * std::log10(ratio), 0, 0.12) << like;
@@ -200,9 +197,7 @@ TEST_F(EncoderOptionsTest, WhatHasNoEncoderIsRefusedByName) {
     pro.codecName = "wmapro";
     EXPECT_FALSE(Encoder::canEncode(pro));
     EXPECT_NE(refusal(pro, file()).find("wmapro"), std::string::npos);
-    Format odd = formatOf("tone.mp3");
-    odd.sampleRate = 44'000;
-    EXPECT_NE(refusal(odd, file()), "");
+    EXPECT_FALSE(Encoder::canEncode(formatOf("tone.mp3")));
     Format six = formatOf("tone.wma");
     six.channels = 6;
     EXPECT_NE(refusal(six, file()), "");
@@ -210,22 +205,10 @@ TEST_F(EncoderOptionsTest, WhatHasNoEncoderIsRefusedByName) {
 }
 
 TEST_F(EncoderOptionsTest, FullDiskIsAnErrorInEveryFormat) {
-    for (const char* like :
-         {"tone.wav", "tone.mp3", "tone.mp2", "tone.ogg", "tone.wma", "tone.flac", "tone.m4a"})
+    for (const char* like : {"tone.wav", "tone.ogg", "tone.wma", "tone.flac", "tone.m4a"})
         EXPECT_NE(refusal(formatOf(like), "/dev/full"), "") << like;
-    for (const char* like :
-         {"tone.wav", "tone.mp3", "tone.mp2", "tone.ogg", "tone.wma", "tone.flac"})
+    for (const char* like : {"tone.wav", "tone.ogg", "tone.wma", "tone.flac"})
         EXPECT_NE(refusal(formatOf(like), folder_ / "no" / "folder"), "") << like;
-}
-
-TEST_F(EncoderOptionsTest, NearestMp3IsLegal) {
-    EXPECT_EQ(nearestMp3(44'100, 128, 2).bitRate, 128'000);
-    EXPECT_EQ(nearestMp3(44'100, 1'000, 5).bitRate, 320'000);
-    EXPECT_EQ(nearestMp3(44'100, 1'000, 5).channels, 2);
-    EXPECT_EQ(nearestMp3(22'050, 320, 1).bitRate, 160'000);
-    EXPECT_EQ(nearestMp3(96'000, 0, 0).sampleRate, 48'000);
-    EXPECT_EQ(nearestMp3(96'000, 0, 0).bitRate, 32'000);
-    EXPECT_EQ(nearestMp3(7'000, 8, 1).sampleRate, 8'000);
 }
 
 // AAC and Opus state their delay and padding in the container, which both judges obey.

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <cmath>
+#include <numeric>
 #include <string>
 #include <vector>
 
@@ -127,5 +128,32 @@ TEST_P(EncodeTest, EqualsAPlainEncodeWhateverTheThreads) {
 
 INSTANTIATE_TEST_SUITE_P(Variants, EncodeTest, ::testing::ValuesIn(cases()),
                          [](const auto& test) { return std::string(test.param.name); });
+
+// LAME scales what it is given, by up to half a decibel, unless that is undone.
+TEST_P(EncodeTest, LevelsAreKept) {
+    Sound tone{GetParam().rate, GetParam().channels, {}};
+    const std::int64_t frames = 2 * std::int64_t{tone.rate};
+    for (std::int64_t i = 0; i < frames * tone.channels; ++i)
+        tone.samples.push_back(0.5F * std::sin(2.0F * 3.14159265F * 440 * float(i / tone.channels) /
+                                               float(tone.rate)));
+    const auto path = folder_ / "tone.mp3";
+    support::writeBytes(path, encoded(tone, 1));
+    const auto energy = [](const Sound& sound) {
+        return std::inner_product(sound.samples.begin(), sound.samples.end(), sound.samples.begin(),
+                                  0.0);
+    };
+    const double ratio = energy(support::decode(path, Judge::Ffmpeg)) / energy(tone);
+    EXPECT_NEAR(10 * std::log10(ratio), 0, 0.05);
+}
+
+TEST(NearestMp3, IsLegal) {
+    EXPECT_EQ(nearestMp3(44'100, 128, 2).bitRate, 128'000);
+    EXPECT_EQ(nearestMp3(44'100, 1'000, 5).bitRate, 320'000);
+    EXPECT_EQ(nearestMp3(44'100, 1'000, 5).channels, 2);
+    EXPECT_EQ(nearestMp3(22'050, 320, 1).bitRate, 160'000);
+    EXPECT_EQ(nearestMp3(96'000, 0, 0).sampleRate, 48'000);
+    EXPECT_EQ(nearestMp3(96'000, 0, 0).bitRate, 32'000);
+    EXPECT_EQ(nearestMp3(7'000, 8, 1).sampleRate, 8'000);
+}
 
 }  // namespace
