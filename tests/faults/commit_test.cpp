@@ -15,6 +15,7 @@
 #include "effects/engine/AudioEditor.h"
 #include "platform/Error.h"
 #include "platform/Paths.h"
+#include "tests/platform/file/FileTools.h"
 #include "tests/support/Fixtures.h"
 #include "tests/support/Interposed.h"
 #include "tests/support/Sound.h"
@@ -23,6 +24,7 @@
 namespace fs = std::filesystem;
 using effects::AudioEditor;
 using support::interposed;
+using test::errorOf;
 using testing::HasSubstr;
 
 namespace {
@@ -31,15 +33,6 @@ const std::vector<std::string> kinds{"tone.wav",     "tone-s24.wav", "tone-rf64.
                                      "tone-vbr.mp3", "tone.mp2",     "tone.ogg",      "tone.wma",
                                      "tone.flac",    "tone.m4a",     "tone.opus",     "tone.aiff",
                                      "tone.wv"};
-
-std::string errorOf(const std::function<void()>& action) {
-    try {
-        action();
-        return {};
-    } catch (const platform::Error& error) {
-        return error.what();
-    }
-}
 
 void load(AudioEditor& editor, const fs::path& file) {
     editor.Load(platform::toQString(file));

@@ -18,6 +18,7 @@
 #include "effects/engine/AudioEditor.h"
 #include "platform/Error.h"
 #include "platform/Paths.h"
+#include "tests/platform/file/FileTools.h"
 #include "tests/support/Fixtures.h"
 #include "tests/support/Sound.h"
 #include "tests/support/TempFolder.h"
@@ -29,6 +30,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using Bytes = std::vector<std::byte>;
+using test::errorOf;
 
 const std::vector<std::string> kinds{"tone.wav", "tone.mp3", "tone.mp2",
                                      "tone.ogg", "tone.wma", "tone.flac"};
@@ -47,16 +49,6 @@ void amplifyAndSave(const fs::path& source, const fs::path& target) {
     editor.SelectWholeFile();
     editor.Amplify(60);
     editor.Save(platform::toQString(target), true, 0);
-}
-
-/// The sentence of the error that saving ends with; empty where it succeeds.
-std::string errorOf(const std::function<void()>& action) {
-    try {
-        action();
-        return {};
-    } catch (const platform::Error& error) {
-        return error.what();
-    }
 }
 
 /// Runs a function in a process of its own, so that limits and rights of that process change

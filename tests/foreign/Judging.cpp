@@ -7,6 +7,7 @@
 
 #include "audio/read/Decoder.h"
 #include "platform/Error.h"
+#include "tests/audio/read/Reading.h"
 #include "tests/support/Fixtures.h"
 #include "tests/support/Sound.h"
 
@@ -14,16 +15,7 @@ namespace foreign {
 namespace {
 
 using audio::read::Decoder;
-
-std::vector<float> readAll(Decoder& decoder) {
-    const auto channels = std::size_t(decoder.format().channels);
-    std::vector<float> all;
-    std::vector<float> block(4'099 * channels);
-    for (std::size_t size = 1; const std::size_t got = decoder.read(block.data(), size);
-         size = size * 3 % 4'099 + 1)
-        all.insert(all.end(), block.begin(), block.begin() + std::ptrdiff_t(got * channels));
-    return all;
-}
+using reading::readAll;
 
 /// Frames that oggdec gives; -1 where the file is not for it.
 std::int64_t framesOfOggdec(const std::filesystem::path& file, int channels) {

@@ -61,8 +61,7 @@ class FrameIndex {
 
     /// A change of version, layer, rate or channels from one frame to the next.
     struct Change {
-        std::int64_t frame = 0;      ///< the first frame of the new kind
-        std::int64_t rawSample = 0;  ///< where it begins; each stretch counted at its own rate
+        std::int64_t frame = 0;  ///< the first frame of the new kind
         FrameHeader header;
     };
     const std::vector<Change>& changes() const { return changes_; }
@@ -73,8 +72,6 @@ class FrameIndex {
     bool freeFormat() const { return header_.freeFormat(); }
 
     bool variableBitRate() const { return lowestBitRate_ != highestBitRate_; }
-    int lowestBitRate() const { return lowestBitRate_; }
-    int highestBitRate() const { return highestBitRate_; }
     /// Bits per second over all frames of sound, rounded to nearest.
     std::int64_t averageBitRate() const;
 

@@ -153,4 +153,12 @@ std::vector<std::uint8_t> bytesOf(const std::string& text) {
     return {text.begin(), text.end()};
 }
 
+std::vector<std::uint8_t> vbriFrame() {
+    std::vector<std::uint8_t> frame(417, 0);
+    std::copy_n(std::begin({0xFF, 0xFB, 0x90, 0x40}), 4, frame.begin());
+    const auto says = bytesOf(std::string("VBRI\0\1\4\x89\0\x4B\0\0\x10\0\0\0\0\x57", 18));
+    std::copy(says.begin(), says.end(), frame.begin() + 36);
+    return frame;
+}
+
 }  // namespace support

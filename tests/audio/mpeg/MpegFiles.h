@@ -42,5 +42,7 @@ void writeBytes(const std::filesystem::path& path, const std::vector<std::uint8_
 std::vector<std::uint8_t> operator+(std::vector<std::uint8_t> left,
                                     const std::vector<std::uint8_t>& right);
 std::vector<std::uint8_t> bytesOf(const std::string& text);
+/// A VBRI frame of 417 bytes that states 0x57 frames of quality 75, at 44.1 kHz in joint stereo.
+std::vector<std::uint8_t> vbriFrame();
 
 }  // namespace support

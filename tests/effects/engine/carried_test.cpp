@@ -71,6 +71,22 @@ class Carried : public testing::Test {
     support::TempFolder folder;
 };
 
+/// Every chunk of an AIFF ("big") or WAVE ("little") file but those that follow from the sound.
+QString chunksOf(const QString& byteOrder) {
+    return uR"(
+import sys, hashlib
+data = open(sys.argv[1], "rb").read()
+def number(at): return int.from_bytes(data[at:at + 4], "%1")
+assert number(4) == len(data) - 8
+at = 12
+while at < len(data):
+    kind, size = data[at:at + 4], number(at + 4)
+    sound = kind in (b"COMM", b"SSND", b"data", b"fact")
+    print(kind, "" if sound else hashlib.md5(data[at + 8:at + 8 + size]).hexdigest())
+    at += 8 + size + size % 2
+)"_s.arg(byteOrder);
+}
+
 /// Every metadata block of a FLAC file but those that follow from the sound.
 const QString blocksOfFlac =
     uR"(
@@ -433,17 +449,7 @@ data[4:8] = (len(data) - 8).to_bytes(4, "big")
 open(sys.argv[1], "wb").write(data)
 )"_s,
         {file});
-    expectKept(file,
-               uR"(
-import sys, hashlib
-data = open(sys.argv[1], "rb").read()
-assert int.from_bytes(data[4:8], "big") == len(data) - 8
-at = 12
-while at < len(data):
-    kind, size = data[at:at + 4], int.from_bytes(data[at + 4:at + 8], "big")
-    print(kind, "" if kind in (b"COMM", b"SSND") else hashlib.md5(data[at + 8:at + 8 + size]).hexdigest())
-    at += 8 + size + size % 2
-)"_s);
+    expectKept(file, chunksOf(u"big"_s));
     EXPECT_EQ(support::decodeWithFfmpeg(file).frames(), 88'200U + 44'100U);
 }
 
@@ -463,17 +469,7 @@ data[4:8] = (len(data) - 8).to_bytes(4, "little")
 open(sys.argv[1], "wb").write(data)
 )"_s,
             {file});
-        expectKept(file,
-                   uR"(
-import sys, hashlib
-data = open(sys.argv[1], "rb").read()
-assert int.from_bytes(data[4:8], "little") == len(data) - 8
-at = 12
-while at < len(data):
-    kind, size = data[at:at + 4], int.from_bytes(data[at + 4:at + 8], "little")
-    print(kind, "" if kind in (b"data", b"fact") else hashlib.md5(data[at + 8:at + 8 + size]).hexdigest())
-    at += 8 + size + size % 2
-)"_s);
+        expectKept(file, chunksOf(u"little"_s));
         EXPECT_EQ(support::decodeWithFfmpeg(file).frames(), 88'200U + 44'100U);
     }
 }

@@ -215,12 +215,7 @@ TEST_F(SpliceSafetyTest, WhatCannotBeSplicedIsNamed) {
 
 TEST_F(SpliceSafetyTest, VbriFrameGivesWayToAnInfoFrame) {
     const Bytes sound = support::readBytes(make("v.mp3", {u"-t"_s, u"-V4"_s}));
-    Bytes tag(417, 0);
-    std::copy_n(std::begin({0xFF, 0xFB, 0x90, 0x40}), 4, tag.begin());
-    const Bytes vbri =
-        support::bytesOf(std::string("VBRI\0\1\4\x89\0\x4B\0\0\x10\0\0\0\0\x57", 18));
-    std::copy(vbri.begin(), vbri.end(), tag.begin() + 36);
-    const auto file = put("vbri.mp3", tag + sound);
+    const auto file = put("vbri.mp3", support::vbriFrame() + sound);
     const FrameIndex index(file);
     spliced(file, {Segment::source(30001, 100003)}, "out.mp3");
     support::expectFieldsTrue(folder_ / "out.mp3");
