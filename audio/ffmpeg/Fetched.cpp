@@ -88,9 +88,12 @@ FETCHED(avutil, AVFrame*, av_frame_alloc, (), ())
 FETCHED(avutil, void, av_frame_free, (AVFrame** a), (a))
 FETCHED(avutil, int, av_frame_get_buffer, (AVFrame* a, int b), (a, b))
 FETCHED(avutil, void, av_frame_unref, (AVFrame* a), (a))
+FETCHED(avutil, void, av_free, (void* a), (a))
+FETCHED(avutil, void, av_freep, (void* a), (a))
 FETCHED(avutil, int, av_get_bytes_per_sample, (AVSampleFormat a), (a))
 FETCHED(avutil, AVSampleFormat, av_get_packed_sample_fmt, (AVSampleFormat a), (a))
 FETCHED(avutil, void, av_log_set_level, (int a), (a))
+FETCHED(avutil, void*, av_malloc, (std::size_t a), (a))
 FETCHED(avutil, int, av_opt_set_double, (void* a, const char* b, double c, int d), (a, b, c, d))
 FETCHED(avutil, int, av_opt_set_int, (void* a, const char* b, std::int64_t c, int d), (a, b, c, d))
 FETCHED(avutil, std::int64_t, av_rescale, (std::int64_t a, std::int64_t b, std::int64_t c),
@@ -157,9 +160,12 @@ FETCHED(avformat, int, avformat_open_input,
 FETCHED(avformat, int, avformat_query_codec, (const AVOutputFormat* a, AVCodecID b, int c),
         (a, b, c))
 FETCHED(avformat, int, avformat_write_header, (AVFormatContext* a, AVDictionary** b), (a, b))
-FETCHED(avformat, int, avio_closep, (AVIOContext** a), (a))
+FETCHED(avformat, AVIOContext*, avio_alloc_context,
+        (unsigned char* a, int b, int c, void* d, int (*e)(void*, std::uint8_t*, int),
+         int (*f)(void*, std::uint8_t*, int), std::int64_t (*g)(void*, std::int64_t, int)),
+        (a, b, c, d, e, f, g))
+FETCHED(avformat, void, avio_context_free, (AVIOContext** a), (a))
 FETCHED(avformat, void, avio_flush, (AVIOContext* a), (a))
-FETCHED(avformat, int, avio_open, (AVIOContext** a, const char* b, int c), (a, b, c))
 FETCHED(avformat, std::int64_t, avio_size, (AVIOContext* a), (a))
 
 FETCHED(swresample, int, swr_alloc_set_opts2,

@@ -8,6 +8,32 @@
 
 namespace audio::ffmpeg {
 
+void Free::operator()(AVPacket* packet) const {
+    av_packet_free(&packet);
+}
+void Free::operator()(AVFrame* frame) const {
+    av_frame_free(&frame);
+}
+void Free::operator()(AVCodecContext* context) const {
+    avcodec_free_context(&context);
+}
+void Free::operator()(AVCodecParameters* parameters) const {
+    avcodec_parameters_free(&parameters);
+}
+void Free::operator()(SwrContext* context) const {
+    swr_free(&context);
+}
+void Free::operator()(AVIOContext* context) const {
+    av_freep(&context->buffer);
+    avio_context_free(&context);
+}
+void CloseInput::operator()(AVFormatContext* context) const {
+    avformat_close_input(&context);
+}
+void FreeOutput::operator()(AVFormatContext* context) const {
+    avformat_free_context(context);
+}
+
 ParametersPtr copyParameters(const AVCodecParameters& from) {
     ParametersPtr copy(avcodec_parameters_alloc());
     if (!copy || avcodec_parameters_copy(copy.get(), &from) < 0) throw std::bad_alloc();

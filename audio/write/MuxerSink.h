@@ -2,9 +2,9 @@
 #pragma once
 
 #include <optional>
-#include <string>
 #include <vector>
 
+#include "audio/ffmpeg/Muxer.h"
 #include "audio/ffmpeg/ParallelBlocks.h"
 #include "audio/write/Sink.h"
 
@@ -21,20 +21,16 @@ class MuxerSink : public Encoder::Sink {
     void finish() override;
 
   private:
-    void openMuxer();
-    void require(int result, const std::string& what) const;
     void take(const float* interleaved, std::size_t frames);
     void takeSilence(std::size_t frames);
     void encodeBlock(std::size_t frames);
     void encode(const float* interleaved, std::size_t frames);
     void put(AVPacket& packet);
-    static int asfPacketSize(int blockBytes);
     std::size_t channels() const { return encoder_.channels(); }
 
-    std::filesystem::path file_;
     ffmpeg::Recipe recipe_;
     ffmpeg::BlockEncoder encoder_;
-    ffmpeg::OutputPtr muxer_;
+    ffmpeg::Muxer muxer_;
     std::optional<ffmpeg::ParallelBlocks> parallel_;  ///< encodes in its place
     std::vector<float> fifo_;
     std::int64_t written_ = 0;  ///< by the caller

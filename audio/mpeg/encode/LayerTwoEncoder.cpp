@@ -3,34 +3,24 @@
 
 #include <algorithm>
 #include <cmath>
-#include <memory>
 #include <random>
 
-extern "C" {
-#include <libavcodec/avcodec.h>
-}
-
+#include "audio/ffmpeg/Ffmpeg.h"
 #include "platform/Error.h"
 
 namespace audio::mpeg {
 namespace {
 
-struct Free {
-    void operator()(AVCodecContext* context) const { avcodec_free_context(&context); }
-    void operator()(AVPacket* packet) const { av_packet_free(&packet); }
-    void operator()(AVFrame* frame) const { av_frame_free(&frame); }
-};
-
 class Encoder {
   public:
     explicit Encoder(const EncoderSettings& settings)
         : channels_(static_cast<std::size_t>(settings.channels())),
-          packet_(av_packet_alloc()),
-          frame_(av_frame_alloc()) {
+          packet_(ffmpeg::makePacket()),
+          frame_(ffmpeg::makeFrame()) {
         const AVCodec* codec = avcodec_find_encoder_by_name("mp2");
         if (!codec) throw platform::Error("FFmpeg has no encoder for MPEG Layer II.");
         context_.reset(avcodec_alloc_context3(codec));
-        if (!context_ || !packet_ || !frame_) throw std::bad_alloc();
+        if (!context_) throw std::bad_alloc();
         context_->sample_rate = settings.sampleRate;
         context_->sample_fmt = AV_SAMPLE_FMT_S16;
         context_->bit_rate = settings.bitRate;
@@ -94,9 +84,9 @@ class Encoder {
     }
 
     std::size_t channels_;
-    std::unique_ptr<AVCodecContext, Free> context_;
-    std::unique_ptr<AVPacket, Free> packet_;
-    std::unique_ptr<AVFrame, Free> frame_;
+    ffmpeg::CodecPtr context_;
+    ffmpeg::PacketPtr packet_;
+    ffmpeg::FramePtr frame_;
     std::vector<LogicalFrame> frames_;
     std::minstd_rand random_{1};
     std::uniform_real_distribution<float> uniform_{0.0F, 1.0F};

@@ -3,34 +3,21 @@
 
 #include <algorithm>
 
-extern "C" {
-#include <libavcodec/avcodec.h>
-}
-
+#include "audio/ffmpeg/Ffmpeg.h"
 #include "platform/Error.h"
 
 namespace audio::mpeg {
 
-void FrameDecoder::Free::operator()(AVCodecContext* context) const {
-    avcodec_free_context(&context);
-}
-void FrameDecoder::Free::operator()(AVPacket* packet) const {
-    av_packet_free(&packet);
-}
-void FrameDecoder::Free::operator()(AVFrame* frame) const {
-    av_frame_free(&frame);
-}
-
 FrameDecoder::FrameDecoder(const FrameHeader& header)
-    : samples_(static_cast<std::size_t>(header.samples())),
+    : packet_(ffmpeg::makePacket()),
+      frame_(ffmpeg::makeFrame()),
+      samples_(static_cast<std::size_t>(header.samples())),
       channels_(static_cast<std::size_t>(header.channels())) {
     const AVCodec* codec =
         avcodec_find_decoder_by_name(header.layer == 3 ? "mp3float" : "mp2float");
     if (!codec) throw platform::Error("FFmpeg has no decoder for MPEG audio.");
     context_.reset(avcodec_alloc_context3(codec));
-    packet_.reset(av_packet_alloc());
-    frame_.reset(av_frame_alloc());
-    if (!context_ || !packet_ || !frame_) throw std::bad_alloc();
+    if (!context_) throw std::bad_alloc();
     context_->sample_rate = header.sampleRate;
     context_->thread_count = 1;
     // A frame that lacks its reservoir is normal at the start of a cut stream: no word about it.
@@ -39,8 +26,6 @@ FrameDecoder::FrameDecoder(const FrameHeader& header)
         throw platform::Error("FFmpeg's decoder for MPEG audio cannot be opened.");
     }
 }
-
-FrameDecoder::~FrameDecoder() = default;
 
 void FrameDecoder::reset() {
     avcodec_flush_buffers(context_.get());

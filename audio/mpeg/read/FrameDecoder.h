@@ -2,16 +2,12 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <span>
 #include <vector>
 
+#include "audio/ffmpeg/Owners.h"
 #include "audio/mpeg/read/DamageLimiter.h"
 #include "audio/mpeg/read/FrameHeader.h"
-
-struct AVCodecContext;
-struct AVFrame;
-struct AVPacket;
 
 namespace audio::mpeg {
 
@@ -21,28 +17,19 @@ class FrameDecoder {
   public:
     /// Throws platform::Error where FFmpeg was built without the decoder.
     explicit FrameDecoder(const FrameHeader& header);
-    ~FrameDecoder();
-    FrameDecoder(const FrameDecoder&) = delete;
-    FrameDecoder& operator=(const FrameDecoder&) = delete;
 
     /// Forgets the frames before, as at the start of a stream.
     void reset();
     /// The frame's samples, interleaved; silence where it cannot be decoded, nothing above full
-    /// scale where it is damaged. Valid until the next
-    /// call.
+    /// scale where it is damaged. Valid until the next call.
     const std::vector<float>& decode(std::span<const std::uint8_t> frame);
 
   private:
     void takeFrame();
 
-    struct Free {
-        void operator()(AVCodecContext* context) const;
-        void operator()(AVPacket* packet) const;
-        void operator()(AVFrame* frame) const;
-    };
-    std::unique_ptr<AVCodecContext, Free> context_;
-    std::unique_ptr<AVPacket, Free> packet_;
-    std::unique_ptr<AVFrame, Free> frame_;
+    ffmpeg::CodecPtr context_;
+    ffmpeg::PacketPtr packet_;
+    ffmpeg::FramePtr frame_;
     DamageLimiter limiter_;
     std::vector<std::uint8_t> input_;
     std::vector<float> output_;
