@@ -3,16 +3,14 @@
 
 #include <atomic>
 #include <cstdint>
+#include <stop_token>
 
-#include "platform/Error.h"
+#include "audio/parallel/Stop.h"
 
 namespace audio::edit {
 
 /// Thrown out of work that was told to stop.
-class Cancelled : public platform::Error {
-  public:
-    Cancelled() : platform::Error("The work was stopped.") {}
-};
+using Cancelled = parallel::Stopped;
 
 /// How far a piece of work has come, and whether it shall stop. One thread works, another watches;
 /// every function may be called by either.
@@ -23,17 +21,21 @@ class Work {
         done_ = 0;
         total_ = total;
     }
-    /// Some of it is done. Throws Cancelled after cancel().
+    /// Some of it is done. Throws Cancelled after cancel(), also that of other work which this is
+    /// but a part of.
     void advance(std::int64_t units) {
         done_ += units;
         if (cancelled()) throw Cancelled();
+        parallel::throwIfStopped();
     }
     /// Nothing, once commit() was called.
     void cancel() {
         State expected = State::Running;
-        state_.compare_exchange_strong(expected, State::Cancelled);
+        if (state_.compare_exchange_strong(expected, State::Cancelled)) stop_.request_stop();
     }
     bool cancelled() const { return state_ == State::Cancelled; }
+    /// Requested by cancel(): for the threads that do what this counts (parallel::StopScope).
+    std::stop_token stop() const { return stop_.get_token(); }
     /// The one point from which on the work succeeds and cannot be stopped any more. Throws
     /// Cancelled after cancel().
     void commit() {
@@ -56,6 +58,7 @@ class Work {
     std::atomic<std::int64_t> done_ = 0;
     std::atomic<std::int64_t> total_ = 0;
     std::atomic<State> state_ = State::Running;
+    std::stop_source stop_;
 };
 
 }  // namespace audio::edit

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/ThreadName.h"
+
 namespace audio::output {
 
 void Gate::shut() {
@@ -33,6 +35,7 @@ void DeviceHand::start(std::function<void()> task) {
     *busy_ = true;
     since_ = std::chrono::steady_clock::now();
     thread_ = std::thread([task = std::move(task), busy = busy_, done = done_]() mutable {
+        platform::nameThisThread("device");
         task();
         task = nullptr;  // what it holds ends here
         *busy = false;

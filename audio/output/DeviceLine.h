@@ -55,7 +55,8 @@ struct DeviceLine {
     std::unique_ptr<OutputDevice> device;  // the working thread's; the watcher's too once Running
 };
 
-/// Does one task at a time that may never return, on a thread that is left behind then.
+/// Does one task at a time that may never return, on a thread that is left behind then: the only
+/// thread that parallel::launch() cannot give, since it waits for all of its own.
 class DeviceHand {
   public:
     explicit DeviceHand(std::shared_ptr<Signal> done) : done_(std::move(done)) {}

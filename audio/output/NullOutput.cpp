@@ -3,6 +3,8 @@
 
 #include <chrono>
 
+#include "audio/parallel/Launch.h"
+
 namespace audio::output {
 namespace {
 
@@ -22,11 +24,11 @@ NullOutput::~NullOutput() {
         quit_ = true;
     }
     wake_.notify_all();
-    if (thread_.joinable()) thread_.join();
+    if (thread_.valid()) thread_.wait();
 }
 
 void NullOutput::start() {
-    thread_ = std::thread([this] { run(); });
+    thread_ = parallel::launch("null output", [this] { run(); });
 }
 
 void NullOutput::run() {

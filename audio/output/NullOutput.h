@@ -2,8 +2,8 @@
 #pragma once
 
 #include <condition_variable>
+#include <future>
 #include <mutex>
-#include <thread>
 #include <vector>
 
 #include "audio/output/OutputDevice.h"
@@ -31,7 +31,7 @@ class NullOutput final : public OutputDevice {
     std::mutex mutex_;  // guards quit_
     std::condition_variable wake_;
     bool quit_ = false;
-    std::thread thread_;
+    std::future<void> thread_;
 };
 
 }  // namespace audio::output

@@ -5,6 +5,8 @@
 #include <exception>
 #include <utility>
 
+#include "audio/parallel/Launch.h"
+
 namespace audio::output {
 namespace {
 
@@ -24,7 +26,10 @@ constexpr auto kLongestBuffer = 360ms;
 }  // namespace
 
 OutputKeeper::OutputKeeper(OpenDevice open, FrameSource& source)
-    : open_(std::move(open)), source_(source), buffer_(kBuffer), thread_([this] { run(); }) {}
+    : open_(std::move(open)),
+      source_(source),
+      buffer_(kBuffer),
+      thread_(parallel::launch("output watch", [this] { run(); })) {}
 
 OutputKeeper::~OutputKeeper() {
     shutDown();
@@ -36,7 +41,7 @@ void OutputKeeper::shutDown() {
         quit_ = true;
     }
     (*signal_)();
-    if (thread_.joinable()) thread_.join();
+    if (thread_.valid()) thread_.wait();
 }
 
 void OutputKeeper::setRate(int rate) {

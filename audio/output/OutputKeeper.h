@@ -4,10 +4,10 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <future>
 #include <memory>
 #include <mutex>
 #include <string>
-#include <thread>
 
 #include "audio/output/DeviceLine.h"
 #include "audio/output/NullOutput.h"
@@ -78,7 +78,7 @@ class OutputKeeper {
     Clock::time_point nextTry_;
     std::chrono::milliseconds retry_{0};
 
-    std::thread thread_;
+    std::future<void> thread_;
 };
 
 }  // namespace audio::output

@@ -7,6 +7,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "audio/parallel/Stop.h"
 #include "platform/ThreadName.h"
 
 namespace audio::parallel {
@@ -19,20 +20,23 @@ namespace audio::parallel {
 /// What rethrowAsError() would throw.
 std::exception_ptr currentError();
 
-/// Runs `task` on a thread of its own, which bears `name` (at most 15 letters). The future's get()
+/// Runs `task` on a thread of its own, which bears `name` (at most 15 letters) and stops when the
+/// calling one is told to (Stop.h). The future's get()
 /// waits for its result, or throws a platform::Error; its destructor waits too. Throws
 /// platform::Error where the system has no thread left.
 template <typename Task>
 auto launch(const char* name, Task task) -> std::future<std::invoke_result_t<Task&>> {
     try {
-        return std::async(std::launch::async, [name, task = std::move(task)]() mutable {
-            platform::nameThisThread(name);
-            try {
-                return task();
-            } catch (...) {
-                rethrowAsError();
-            }
-        });
+        return std::async(std::launch::async,
+                          [name, stop = currentStop(), task = std::move(task)]() mutable {
+                              platform::nameThisThread(name);
+                              const StopScope scope(std::move(stop));
+                              try {
+                                  return task();
+                              } catch (...) {
+                                  rethrowAsError();
+                              }
+                          });
     } catch (...) {
         rethrowAsError();
     }

@@ -16,7 +16,10 @@ constexpr std::chrono::milliseconds betweenReports{30};
 
 void runInBackground(audio::edit::Work& work, const std::function<void(int)>& raise,
                      const std::function<void()>& task) {
-    std::future<void> result = audio::parallel::launch("effect", task);
+    std::future<void> result = audio::parallel::launch("effect", [&] {
+        const audio::parallel::StopScope scope(work.stop());
+        task();
+    });
     try {
         while (result.wait_for(betweenReports) != std::future_status::ready) raise(work.percent());
     } catch (...) {

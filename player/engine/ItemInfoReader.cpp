@@ -2,8 +2,10 @@
 #include "player/engine/ItemInfoReader.h"
 
 #include <algorithm>
+#include <thread>
 #include <utility>
 
+#include "audio/parallel/Launch.h"
 #include "platform/Paths.h"
 
 namespace player {
@@ -16,7 +18,7 @@ ItemInfoReader::~ItemInfoReader() {
         quit_ = true;
     }
     wake_.notify_all();
-    for (std::thread& worker : workers_) worker.join();
+    for (const auto& worker : workers_) worker.wait();
 }
 
 ItemInfoReader::Ticket ItemInfoReader::request(const std::vector<Item>& items, bool first) {
@@ -61,7 +63,8 @@ std::vector<ItemInfoReader::Result> ItemInfoReader::take(std::size_t most) {
 void ItemInfoReader::startWorkers() {
     if (!workers_.empty()) return;
     const unsigned count = std::clamp(std::thread::hardware_concurrency(), 2U, 4U);
-    for (unsigned i = 0; i < count; ++i) workers_.emplace_back([this] { work(); });
+    for (unsigned i = 0; i < count; ++i)
+        workers_.push_back(audio::parallel::launch("track info", [this] { work(); }));
 }
 
 void ItemInfoReader::work() {

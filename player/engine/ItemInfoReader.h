@@ -5,9 +5,9 @@
 #include <condition_variable>
 #include <deque>
 #include <functional>
+#include <future>
 #include <memory>
 #include <mutex>
-#include <thread>
 #include <unordered_set>
 #include <vector>
 
@@ -70,7 +70,7 @@ class ItemInfoReader {
     std::deque<Job> jobs_;
     std::deque<Result> results_;
     bool quit_ = false;
-    std::vector<std::thread> workers_;  // started with the first request
+    std::vector<std::future<void>> workers_;  // started with the first request
 };
 
 }  // namespace player

@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "audio/parallel/Launch.h"
+
 namespace player {
 namespace {
 
@@ -25,19 +27,17 @@ PeaksReader::~PeaksReader() {
     {
         const std::lock_guard lock(mutex_);
         quit_ = true;
-        ++request_;
+        want({});
     }
     wake_.notify_all();
-    if (thread_.joinable()) thread_.join();
+    if (thread_.valid()) thread_.wait();
 }
 
 std::shared_ptr<const audio::dsp::Peaks> PeaksReader::peaks(const QString& path) {
     const std::lock_guard lock(mutex_);
     if (path != path_) {
-        path_ = path;
-        peaks_.reset();
-        ++request_;
-        if (!thread_.joinable()) thread_ = std::thread([this] { run(); });
+        want(path);
+        if (!thread_.valid()) thread_ = audio::parallel::launch("peaks", [this] { run(); });
         wake_.notify_all();
     }
     return peaks_;
@@ -46,9 +46,16 @@ std::shared_ptr<const audio::dsp::Peaks> PeaksReader::peaks(const QString& path)
 void PeaksReader::release(const QString& path) {
     const std::lock_guard lock(mutex_);
     if (path != path_) return;
-    path_.clear();
+    want({});
+}
+
+/// Ends the work on the file before. Under the lock.
+void PeaksReader::want(const QString& path) {
+    path_ = path;
     peaks_.reset();
     ++request_;
+    stop_.request_stop();
+    stop_ = std::stop_source();
 }
 
 void PeaksReader::awaitRest(Clock::time_point until) {
@@ -61,47 +68,44 @@ void PeaksReader::run() {
     while (true) {
         wake_.wait(lock, [this] { return quit_ || done_ != request_; });
         if (quit_) return;
-        const unsigned request = done_ = request_;
+        done_ = request_;
         const QString path = path_;
+        const std::stop_token stop = stop_.get_token();
         if (path.isEmpty()) continue;
         busy_ = true;
         lock.unlock();
-        measure(path, request);
+        measure(path, stop);
         lock.lock();
         busy_ = false;
         rested_.notify_all();
     }
 }
 
-void PeaksReader::measure(const QString& path, unsigned request) {
+void PeaksReader::measure(const QString& path, const std::stop_token& stop) {
+    const audio::parallel::StopScope scope(stop);
     try {
         const auto source = openSound_(path);
         audio::dsp::PeakMeter meter(source->frames(), source->channels(), kColumns);
         std::vector<float> chunk(kChunk * std::size_t(source->channels()));
         auto published = Clock::now();
         while (const std::size_t frames = source->read(chunk.data(), kChunk)) {
-            if (!isWanted(request)) return;
+            if (stop.stop_requested()) return;
             meter.add(chunk.data(), frames);
             if (Clock::now() - published < kPublishEvery) continue;
             published = Clock::now();
-            publish(meter.peaks(), request);
+            publish(meter.peaks(), stop);
         }
-        publish(meter.peaks(), request);
+        publish(meter.peaks(), stop);
     } catch (const std::exception&) {
         // A file that cannot be read to its end has the peaks found until then.
     }
 }
 
-bool PeaksReader::isWanted(unsigned request) {
-    const std::lock_guard lock(mutex_);
-    return request == request_;
-}
-
-void PeaksReader::publish(const audio::dsp::Peaks& peaks, unsigned request) {
+void PeaksReader::publish(const audio::dsp::Peaks& peaks, const std::stop_token& stop) {
     auto copy = std::make_shared<const audio::dsp::Peaks>(peaks);
     {
         const std::lock_guard lock(mutex_);
-        if (request != request_) return;
+        if (stop.stop_requested()) return;
         peaks_ = std::move(copy);
     }
     changed_();

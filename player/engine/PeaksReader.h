@@ -5,9 +5,10 @@
 #include <condition_variable>
 #include <cstdint>
 #include <functional>
+#include <future>
 #include <memory>
 #include <mutex>
-#include <thread>
+#include <stop_token>
 
 #include <QString>
 
@@ -36,9 +37,9 @@ class PeaksReader {
 
   private:
     void run();
-    void measure(const QString& path, unsigned request);
-    bool isWanted(unsigned request);
-    void publish(const audio::dsp::Peaks& peaks, unsigned request);
+    void want(const QString& path);
+    void measure(const QString& path, const std::stop_token& stop);
+    void publish(const audio::dsp::Peaks& peaks, const std::stop_token& stop);
 
     const OpenSound openSound_;
     const std::function<void()> changed_;
@@ -47,11 +48,12 @@ class PeaksReader {
     std::condition_variable rested_;
     QString path_;
     std::shared_ptr<const audio::dsp::Peaks> peaks_;
-    unsigned request_ = 0;  // counts the files asked for
-    unsigned done_ = 0;     // the last request that was taken up
+    std::stop_source stop_;  // of the file that is wanted
+    unsigned request_ = 0;   // counts the files asked for
+    unsigned done_ = 0;      // the last request that was taken up
     bool busy_ = false;
     bool quit_ = false;
-    std::thread thread_;  // started with the first request
+    std::future<void> thread_;  // started with the first request
 };
 
 }  // namespace player

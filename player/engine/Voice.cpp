@@ -6,6 +6,8 @@
 #include <exception>
 #include <utility>
 
+#include "audio/parallel/Launch.h"
+
 namespace player {
 namespace {
 
@@ -22,7 +24,7 @@ Voice::Voice(int player, const Playlist& playlist, OpenSound openSound, RateShar
       rates_(rates),
       newsCame_(std::move(newsCame)),
       feed_(channel_, playlist, std::move(openSound), *this),
-      thread_([this] { run(); }) {}
+      thread_(audio::parallel::launch("decoder", [this] { run(); })) {}
 
 Voice::~Voice() {
     {
@@ -30,7 +32,7 @@ Voice::~Voice() {
         quit_ = true;
     }
     wake_.notify_all();
-    thread_.join();
+    thread_.wait();
 }
 
 unsigned Voice::open(EntryId id, const QString& path, int direction) {

@@ -6,9 +6,9 @@
 #include <cstdint>
 #include <deque>
 #include <functional>
+#include <future>
 #include <mutex>
 #include <optional>
-#include <thread>
 #include <variant>
 #include <vector>
 
@@ -114,7 +114,7 @@ class Voice final : private TrackFeed::Host {
     bool canFeed_ = false;  // the feed can bring more into the ring as it stands
     bool drains_ = false;   // a higher rate begins when the ring is empty
     bool quit_ = false;
-    std::thread thread_;
+    std::future<void> thread_;
 };
 
 }  // namespace player

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "audio/mpeg/read/FrameScanner.h"
+#include "audio/parallel/Stop.h"
 #include "platform/Error.h"
 #include "platform/Paths.h"
 
@@ -22,6 +23,7 @@ void FrameIndex::build(platform::file::WindowReader& reader) {
     FrameScanner scanner(reader);
     bool first = true;
     while (const auto frame = scanner.next()) {
+        parallel::throwIfStopped();
         if (first) {
             first = false;
             audio_.offset = frame->offset;
@@ -54,7 +56,7 @@ void FrameIndex::addFrame(std::int64_t offset, int size, const FrameHeader& head
         header_ = header;
         lowestBitRate_ = highestBitRate_ = header.bitRate;
     } else if (!header.sameStream(lastHeader_)) {
-        changes_.push_back({frameCount(), rawLength_, header});
+        changes_.push_back({frameCount(), header});
     }
     lastHeader_ = header;
     frames_.push_back(static_cast<std::uint64_t>(offset) << 16 | static_cast<std::uint64_t>(size));
