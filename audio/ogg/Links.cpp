@@ -2,65 +2,35 @@
 #include "audio/ogg/Links.h"
 
 #include <algorithm>
-#include <array>
-#include <cstring>
-#include <fstream>
-#include <numeric>
 
-#include "audio/FileError.h"
+#include "audio/ogg/PageReader.h"
+#include "audio/parallel/Stop.h"
 
 namespace audio::ogg {
 namespace {
 
-constexpr std::int64_t pageHeader = 27;
-constexpr unsigned char beginsStream = 0x02;
-
-/// Where the next page begins, searching byte by byte from `at`: sync may have been lost.
-std::int64_t findPage(std::ifstream& stream, std::int64_t at, std::int64_t fileSize) {
-    std::vector<char> block(1 << 16);
-    while (at + pageHeader <= fileSize) {
-        stream.clear();
-        stream.seekg(at);
-        stream.read(block.data(), static_cast<std::streamsize>(block.size()));
-        const auto end = block.begin() + stream.gcount();
-        constexpr std::array<char, 4> capture = {'O', 'g', 'g', 'S'};
-        const auto found = std::search(block.begin(), end, capture.begin(), capture.end());
-        if (found != end) return at + (found - block.begin());
-        if (stream.gcount() < 4) break;
-        at += stream.gcount() - 3;
-    }
-    return fileSize;
-}
+/// What holds the rate and channels of Vorbis (Vorbis I, section 4.2.2), Opus (RFC 7845, section
+/// 5.1) and FLAC (RFC 9639, sections 8.2 and 10.1).
+constexpr long headBytes = 30;
 
 }  // namespace
 
-std::vector<FilePart> findLinks(const std::filesystem::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    if (!stream) throw fileError(file, "cannot be opened");
-    stream.rdbuf()->pubsetbuf(nullptr, 0);  // only headers are read, far from one another
-    stream.close();
-    stream.open(file, std::ios::binary);
+std::vector<Link> findLinks(const std::filesystem::path& file) {
+    PageReader pages(file);
     const auto size = static_cast<std::int64_t>(std::filesystem::file_size(file));
-
-    std::vector<FilePart> links;
+    std::vector<Link> links;
     bool lastBegan = false;
-    for (std::int64_t at = findPage(stream, 0, size); at < size;) {
-        std::array<unsigned char, pageHeader + 255> page{};
-        stream.clear();
-        stream.seekg(at);
-        stream.read(reinterpret_cast<char*>(page.data()), page.size());
-        if (stream.gcount() < pageHeader) break;
-        if (std::memcmp(page.data(), "OggS", 4) != 0) {
-            at = findPage(stream, at + 1, size);
-            continue;
+    while (const ogg_page* page = pages.next()) {
+        parallel::throwIfStopped();
+        const bool begins = ogg_page_bos(page) != 0;
+        if (begins && !lastBegan) links.push_back({{pages.offset(), size}, {}});
+        if (begins) {
+            auto& heads = links.back().heads;
+            heads.insert(heads.end(), page->body, page->body + std::min(page->body_len, headBytes));
         }
-        const bool begins = (page[5] & beginsStream) != 0;
-        if (begins && !lastBegan) links.push_back({at, size});
         lastBegan = begins;
-        const auto* lacing = page.data() + pageHeader;
-        at += pageHeader + page[26] + std::accumulate(lacing, lacing + page[26], std::int64_t{0});
     }
-    for (std::size_t i = 0; i + 1 < links.size(); ++i) links[i].end = links[i + 1].begin;
+    for (std::size_t i = 0; i + 1 < links.size(); ++i) links[i].part.end = links[i + 1].part.begin;
     return links;
 }
 

@@ -3,19 +3,21 @@
 
 #include <algorithm>
 
+#include "audio/parallel/Stop.h"
 #include "audio/read/PacketSource.h"
 
 namespace audio::read {
 
-ChainSource::ChainSource(const std::filesystem::path& file, const std::vector<FilePart>& links)
+ChainSource::ChainSource(const std::filesystem::path& file, const std::vector<ogg::Link>& links)
     : file_(file) {
-    for (const FilePart& part : links) links_.push_back({part, {}});
+    for (const ogg::Link& link : links) links_.push_back({link.part, {}});
     source_ = open(0);
     format_ = source_->format();
     contents_ = source_->contents();
     contents_.chained = true;
-    for (std::size_t i = 1; i < links.size(); ++i) {
-        const Format other = ffmpeg::Input(file_, links[i]).format();
+    for (const ogg::Link& link : links) {
+        if (link.heads == links.front().heads) continue;
+        const Format other = ffmpeg::Input(file_, link.part).format();
         if (other.sampleRate != format_.sampleRate || other.channels != format_.channels)
             throw fileError(file, "is a chain of sounds of different rates or channels");
     }
@@ -39,7 +41,10 @@ std::int64_t ChainSource::framesOf(std::size_t number) {
 
 std::int64_t ChainSource::frames() {
     std::int64_t sum = 0;
-    for (std::size_t i = 0; i < links_.size(); ++i) sum += framesOf(i);
+    for (std::size_t i = 0; i < links_.size(); ++i) {
+        parallel::throwIfStopped();
+        sum += framesOf(i);
+    }
     return sum;
 }
 

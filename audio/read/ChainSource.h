@@ -5,17 +5,18 @@
 #include <optional>
 #include <vector>
 
-#include "audio/FilePart.h"
+#include "audio/ogg/Links.h"
 #include "audio/read/Source.h"
 
 namespace audio::read {
 
 /// Reads a chained Ogg file as one sound: its links one after the other, each by a source of its
 /// own, of which one is open at a time. The first link says what the sound is; one of another rate
-/// or number of channels, which would need resampling, is refused.
+/// or number of channels, which would need resampling, is refused. Links that begin like the first
+/// are opened only when their sound, or their length, is asked for.
 class ChainSource : public Decoder::Source {
   public:
-    ChainSource(const std::filesystem::path& file, const std::vector<FilePart>& links);
+    ChainSource(const std::filesystem::path& file, const std::vector<ogg::Link>& links);
 
     /// Opens every link once, to count.
     std::int64_t frames() override;

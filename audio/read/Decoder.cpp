@@ -46,7 +46,7 @@ std::unique_ptr<Decoder::Source> openSource(const std::filesystem::path& file) {
     ffmpeg::Input input(file);
     if (input.containerName() == "mp3") return std::make_unique<MpegSource>(file);
     if (input.containerName() == "ogg") {
-        const std::vector<FilePart> links = ogg::findLinks(file);
+        const std::vector<ogg::Link> links = ogg::findLinks(file);
         if (links.size() > 1) return std::make_unique<ChainSource>(file, links);
     }
     return std::make_unique<PacketSource>(std::move(input));

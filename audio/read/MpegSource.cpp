@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "audio/mpeg/read/FrameIndex.h"
+#include "audio/parallel/Stop.h"
 
 namespace audio::read {
 namespace {
@@ -131,7 +132,7 @@ void MpegSource::bridge(const mpeg::ScannedFrame& frame) {
 }
 
 void MpegSource::scanAll() {
-    while (scanOne()) continue;
+    while (scanOne()) parallel::throwIfStopped();
 }
 
 /// Every frame is known: so is the length.

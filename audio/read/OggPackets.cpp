@@ -7,13 +7,10 @@
 #include <string_view>
 #include <utility>
 
-#include "audio/FileError.h"
-
 namespace audio::read {
 namespace {
 
 constexpr std::int64_t longestLoss = 60;  // seconds; more is not believed
-constexpr long blockBytes = 1 << 16;
 
 std::string_view beginning(AVCodecID codec) {
     switch (codec) {
@@ -42,27 +39,21 @@ bool OggPackets::serves(const ffmpeg::Input& input) {
 OggPackets::OggPackets(const ffmpeg::Input& input)
     : codec_(input.parameters().codec_id),
       part_(input.part()),
-      file_(input.file(), std::ios::binary),
+      pages_(input.file()),
       lengths_(input.parameters()) {
-    if (!file_) throw fileError(input.file(), "cannot be opened");
     if (part_.end <= part_.begin)
         part_.end = static_cast<std::int64_t>(std::filesystem::file_size(input.file()));
-    ogg_sync_init(&sync_);
     restartAt(part_.begin);
 }
 
 OggPackets::~OggPackets() {
-    ogg_sync_clear(&sync_);
     if (serial_) ogg_stream_clear(&stream_);
 }
 
 void OggPackets::restartAt(std::int64_t offset) {
-    file_.clear();
-    file_.seekg(offset);
-    ogg_sync_reset(&sync_);
+    pages_.seek(offset);
     if (serial_) ogg_stream_reset_serialno(&stream_, *serial_);
     lengths_.restart();
-    at_ = offset;
     partAt_ = -1;
     ready_.clear();
     waiting_.clear();
@@ -85,27 +76,9 @@ std::optional<PacketMark> OggPackets::mark(const SoundPacket&) const {
     return lastMarked_ ? std::optional(last_) : std::nullopt;
 }
 
-/// The next page whose checksum is right.
-bool OggPackets::nextPage(ogg_page& page) {
-    while (true) {
-        const long size = ogg_sync_pageseek(&sync_, &page);
-        if (size > 0) {
-            pageAt_ = at_;
-            at_ += size;
-            return true;
-        }
-        if (size < 0) {
-            at_ -= size;
-            continue;
-        }
-        const std::int64_t left = part_.end - static_cast<std::int64_t>(file_.tellg());
-        if (!file_ || left <= 0) return false;
-        char* buffer = ogg_sync_buffer(&sync_, blockBytes);
-        if (!buffer) throw std::bad_alloc();
-        file_.read(buffer, static_cast<std::streamsize>(std::min<std::int64_t>(left, blockBytes)));
-        if (file_.gcount() == 0) return false;
-        ogg_sync_wrote(&sync_, static_cast<long>(file_.gcount()));
-    }
+ogg_page* OggPackets::nextPage() {
+    ogg_page* page = pages_.next();
+    return page && pages_.offset() < part_.end ? page : nullptr;
 }
 
 /// Whether a page is one of the sound's; the first one that begins like its codec says which are.
@@ -131,9 +104,9 @@ bool OggPackets::isHeader(const ogg_packet& packet) const {
 }
 
 bool OggPackets::read(SoundPacket& packet) {
-    for (ogg_page page; ready_.empty();) {
-        if (nextPage(page)) {
-            if (belongs(page)) takePage(page);
+    while (ready_.empty()) {
+        if (ogg_page* page = nextPage()) {
+            if (belongs(*page)) takePage(*page);
         } else {
             if (waiting_.empty()) return false;
             release();
@@ -167,13 +140,13 @@ void OggPackets::takePage(ogg_page& page) {
         } else if (result > 0) {
             const bool sound = packet.bytes > 0 && !isHeader(packet);
             if (sound && continues) queue(packet, partAt_, partFirst_);
-            if (sound && !continues) queue(packet, pageAt_, std::exchange(first, false));
+            if (sound && !continues) queue(packet, pages_.offset(), std::exchange(first, false));
             continues = false;
         }
     }
     const bool unfinished = stream_.lacing_fill > stream_.lacing_returned;
     if (unfinished && !continues) {
-        partAt_ = pageAt_;
+        partAt_ = pages_.offset();
         partFirst_ = first;
     } else if (!unfinished) {
         partAt_ = -1;

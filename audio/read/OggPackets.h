@@ -2,10 +2,10 @@
 #pragma once
 
 #include <deque>
-#include <fstream>
 #include <ogg/ogg.h>
 #include <vector>
 
+#include "audio/ogg/PageReader.h"
 #include "audio/read/PacketLengths.h"
 #include "audio/read/PacketReader.h"
 
@@ -40,7 +40,7 @@ class OggPackets : public PacketReader {
     };
 
     void restartAt(std::int64_t offset);
-    bool nextPage(ogg_page& page);
+    ogg_page* nextPage();
     bool belongs(ogg_page& page);
     bool isHeader(const ogg_packet& packet) const;
     void takePage(ogg_page& page);
@@ -51,14 +51,11 @@ class OggPackets : public PacketReader {
 
     AVCodecID codec_;
     FilePart part_;
-    std::ifstream file_;
+    ogg::PageReader pages_;
     PacketLengths lengths_;
 
-    ogg_sync_state sync_{};
     ogg_stream_state stream_{};
     std::optional<int> serial_;
-    std::int64_t at_ = 0;      ///< where the bytes begin that the sync state still holds
-    std::int64_t pageAt_ = 0;  ///< where the page begins that was read last
     std::int64_t partAt_ =
         -1;                   ///< where the page of an unfinished packet begins; -1: there is none
     bool partFirst_ = false;  ///< the unfinished packet is the first that begins on its page

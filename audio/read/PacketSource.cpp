@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "audio/parallel/Stop.h"
 #include "audio/read/PacketLengths.h"
 
 namespace audio::read {
@@ -233,6 +234,7 @@ void PacketSource::scan() {
     PacketPlace place = firstPlace();
     SoundPacket packet;
     while (reader->read(packet)) {
+        parallel::throwIfStopped();
         table.note(reader->mark(packet), place);
         place.pass(packet, statedBy(packet), trims_);
     }
@@ -245,7 +247,10 @@ void PacketSource::scan() {
 void PacketSource::decodeToEnd() {
     PacketSource other(ffmpeg::Input(file_, part_));
     other.lengthsHold_ = false;
-    while (other.extendRun()) other.startRun(other.runEnd());
+    while (other.extendRun()) {
+        parallel::throwIfStopped();
+        other.startRun(other.runEnd());
+    }
     table_ = std::move(other.table_);
 }
 
