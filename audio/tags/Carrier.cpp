@@ -6,6 +6,7 @@
 #include "audio/tags/FlacBlocks.h"
 #include "audio/tags/Mp4Atoms.h"
 #include "audio/tags/MpegTags.h"
+#include "audio/tags/OggFlacBlocks.h"
 #include "audio/tags/WaveChunks.h"
 
 namespace audio::tags {
@@ -18,6 +19,8 @@ Carrier carrierFor(const Format& format) {
         };
     if (format.container == Container::Wav && format.codec != Codec::Pcm)
         return writeWithWaveChunks;
+    if (format.container == Container::Ogg && format.codecName == "flac")
+        return writeWithOggFlacBlocks;
     if (name == "flac") return writeWithFlacBlocks;
     if (name == "aiff") return writeWithAiffChunks;
     if (name.starts_with("mov,mp4,m4a")) return writeWithMp4Atoms;
