@@ -60,9 +60,7 @@ std::int32_t MainLoadedList::saveAsM3u(std::int16_t player, const QString& path)
 }
 
 void MainLoadedList::replaceBy(const QString& path) {
-    parts_.ui.ListView1->clearRows();
-    parts_.engine.PlaylistLoad(0, path, 1);
-    parts_.list.FillPlayListView(0, *parts_.ui.ListView1);
+    parts_.files.LoadInSilence(0, *parts_.ui.ListView1, path);
 }
 
 void MainLoadedList::reload() {

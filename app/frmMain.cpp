@@ -25,6 +25,7 @@
 #include "player/deck/Deck.h"
 #include "player/deck/Displays.h"
 #include "player/engine/PlayerEngine.h"
+#include "playlist/DiskQueue.h"
 #include "playlist/PlaylistCommands.h"
 #include "playlist/PlaylistFiles.h"
 #include "ui_frmMain.h"
@@ -77,7 +78,8 @@ frmMain::frmMain(QWidget* parent)
       AudioEditor1(widgets::named<effects::AudioEditor>(u"AudioEditor1"_s, this)),
       CommonDialog1(widgets::named<widgets::CommonDialog>(u"CommonDialog1"_s, this)),
       Timer1(widgets::named<QTimer>(u"Timer1"_s, this)),
-      Timer2(widgets::named<QTimer>(u"Timer2"_s, this)) {
+      Timer2(widgets::named<QTimer>(u"Timer2"_s, this)),
+      disk_(widgets::named<playlist::DiskQueue>(u"DiskQueue"_s, this)) {
     ui_->setupUi(this);
     for (QLabel* label : findChildren<QLabel*>()) label->setTextFormat(Qt::PlainText);
     setWindowTitle(u"%1 v%2"_s.arg(platform::programTitle(), platform::programVersion()));
@@ -86,7 +88,7 @@ frmMain::frmMain(QWidget* parent)
     ui_->ListView2->setColumns({u"Index"_s, u"Duration"_s, u"Title"_s});
     list_ = std::make_unique<playlist::PlaylistCommands>(*PlayerEngine1, *CommonDialog1);
     files_ = std::make_unique<playlist::PlaylistFiles>(*PlayerEngine1, *list_, *CommonDialog1,
-                                                       *ui_->Label7);
+                                                       *disk_, *ui_->Label7);
     deck_ = std::make_unique<player::Deck>(*PlayerEngine1, deckControls(*ui_));
     ports_ = std::make_unique<MainPorts>(*this, *ui_, *PlayerEngine1, closing_);
     loaded_ = std::make_unique<MainLoadedList>(

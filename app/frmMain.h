@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -28,8 +29,11 @@ class Displays;
 class PlayerEngine;
 }  // namespace player
 namespace playlist {
+class DiskQueue;
 class PlaylistCommands;
 class PlaylistFiles;
+struct DroppedFiles;
+struct ReadList;
 }  // namespace playlist
 namespace widgets {
 class CommonDialog;
@@ -64,8 +68,9 @@ class frmMain : public QWidget {
     static const std::vector<Command>& commands();
 
     /// Adds sound files and folders given by hand behind the last entry, or loads a list among
-    /// them; says what there is no file of.
-    void openPaths(const QStringList& paths);
+    /// them; says what there is no file of. What is on a slow disk comes after the call has
+    /// returned; `then` is called when all is there.
+    void openPaths(const QStringList& paths, std::function<void()> then = {});
 
     /// From now on closing asks nothing, and a box that waits for an answer goes without one: the
     /// system ends the session or the program.
@@ -102,6 +107,7 @@ class frmMain : public QWidget {
     void connectShortcuts();
     void connectMediaKeys();
     void openAndPlay(const QString& path);
+    void playOpened(int rowsBefore);
 
     // frmMain_menus.cpp
     void buildMenus();
@@ -125,7 +131,8 @@ class frmMain : public QWidget {
     void PlayerEngine1_ItemInfoChanged(int player, int index);
     void ListView1_Scrolled();
     void ListView1_FilesDropped(const QList<QUrl>& urls, int row);
-    void insertPaths(const QStringList& paths, int row);
+    void insertPaths(const QStringList& paths, int row, std::function<void()> then = {});
+    void takeDropped(const playlist::ReadList& list, playlist::DroppedFiles dropped, int row);
 
     // frmMain_deck.cpp
     void CommandPlay1_Click();
@@ -183,6 +190,7 @@ class frmMain : public QWidget {
     QActionGroup* playlistMenuItems_ = nullptr;
     QActionGroup* burnMenuItems_ = nullptr;
     std::unique_ptr<playlist::PlaylistCommands> list_;
+    playlist::DiskQueue* disk_;
     std::unique_ptr<playlist::PlaylistFiles> files_;
     std::unique_ptr<player::Deck> deck_;
     std::unique_ptr<player::Displays> displays_;

@@ -58,10 +58,13 @@ void frmMain::connectMediaKeys() {
 void frmMain::openAndPlay(const QString& path) {
     if (deck_->locked()) ui_->CommandStop1->click();
     const int before = ui_->ListView1->rowCount();
-    openPaths({path});
+    openPaths({path}, [this, before] { playOpened(before); });
+}
+
+void frmMain::playOpened(int rowsBefore) {
     const int rows = ui_->ListView1->rowCount();
     if (rows == 0) return;
-    ui_->ListView1->selectRow(rows > before ? rows : 1);
+    ui_->ListView1->selectRow(rows > rowsBefore ? rows : 1);
     ui_->CommandPlay1->click();
 }
 

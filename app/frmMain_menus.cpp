@@ -6,6 +6,7 @@
 #include <QMenu>
 
 #include "app/frmMain.h"
+#include "playlist/DiskQueue.h"
 #include "ui_frmMain.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -54,11 +55,13 @@ void frmMain::buildMenus() {
 }
 
 // While a button is disabled, what else leads to its commands must be closed too: the shortcuts of
-// a menu's items, and dropping files.
+// a menu's items, dropping files, and files that a slow disk brings only now.
 void frmMain::followButton(const QWidget* button) {
     if (button == ui_->Button1) playlistMenuItems_->setEnabled(button->isEnabled());
     if (button == ui_->Button7) burnMenuItems_->setEnabled(button->isEnabled());
-    if (button == ui_->CommandAddSong1) ui_->ListView1->setAcceptDrops(button->isEnabled());
+    if (button != ui_->CommandAddSong1) return;
+    ui_->ListView1->setAcceptDrops(button->isEnabled());
+    disk_->setHeld(!button->isEnabled());
 }
 
 bool frmMain::eventFilter(QObject* watched, QEvent* event) {

@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The playlist's commands: add, remove, move, clear, select, totals, files.
+#include <algorithm>
+#include <limits>
+
 #include <QTimer>
 
 #include "app/Skin.h"
 #include "app/frmMain.h"
 #include "lists/Names.h"
 #include "platform/ResumeNext.h"
+#include "playlist/DiskQueue.h"
 #include "playlist/DroppedFiles.h"
 #include "playlist/PlaylistCommands.h"
 #include "playlist/PlaylistFiles.h"
@@ -19,6 +23,7 @@ using namespace Qt::Literals::StringLiterals;
 namespace app {
 namespace {
 
+constexpr int behindTheLast = std::numeric_limits<int>::max();  // row
 const QString newListCaption = u"Playlist loaded: New list not yet saved."_s;
 
 std::vector<QString> durationsOf(const widgets::ListView& list) {
@@ -97,20 +102,34 @@ void frmMain::ListView1_FilesDropped(const QList<QUrl>& urls, int row) {
                        }));
 }
 
-void frmMain::openPaths(const QStringList& paths) {
-    insertPaths(paths, ui_->ListView1->rowCount() + 1);
+void frmMain::openPaths(const QStringList& paths, std::function<void()> then) {
+    insertPaths(paths, behindTheLast, std::move(then));
 }
 
-void frmMain::insertPaths(const QStringList& paths, int row) {
-    playlist::DroppedFiles dropped = playlist::sortOut(paths);
-    widgets::ListView& list = *ui_->ListView1;
+// The row of a drop is one of the list as it is now; behind the last one is there later too.
+void frmMain::insertPaths(const QStringList& paths, int row, std::function<void()> then) {
+    if (row > ui_->ListView1->rowCount()) row = behindTheLast;
+    disk_->add([=, this](const std::stop_token& stop) {
+        playlist::DroppedFiles dropped = playlist::sortOut(paths, stop);
+        playlist::ReadList list;
+        if (!dropped.list.isEmpty()) list = playlist::readList(dropped.list);
+        return [=, this] {
+            takeDropped(list, dropped, row);
+            if (then) then();
+        };
+    });
+}
+
+void frmMain::takeDropped(const playlist::ReadList& list, playlist::DroppedFiles dropped, int row) {
+    widgets::ListView& view = *ui_->ListView1;
     if (!dropped.list.isEmpty()) {
-        files_->Load(0, list, dropped.list);
-        row = list.rowCount() + 1;
-    } else if (list.rowCount() == 0 && !dropped.files.isEmpty()) {
+        files_->Show(0, view, list);
+        row = behindTheLast;
+    } else if (view.rowCount() == 0 && !dropped.files.isEmpty()) {
         ui_->Label7->setText(newListCaption);
     }
-    const bool fits = dropped.files.isEmpty() || list_->InsertFiles(0, list, dropped.files, row);
+    row = std::min(row, view.rowCount() + 1);
+    const bool fits = dropped.files.isEmpty() || list_->InsertFiles(0, view, dropped.files, row);
     if (!fits) dropped.refused += u"A playlist holds no more than 32767 files: none were added."_s;
     if (!dropped.refused.isEmpty()) widgets::msgBox(playlist::refusedText(dropped.refused));
 }

@@ -42,10 +42,13 @@ void naturalSort(QStringList& names) {
 
 // Files of a folder before those of its sub-folders; links to folders are not followed, for they
 // may lead round in a circle. Hidden files and folders are left out.
-void appendFolder(const fs::path& folder, QStringList& files) {
+void appendFolder(const fs::path& folder, QStringList& files, const std::stop_token& stop) {
     QStringList names, folders;
     std::error_code unreadable;
-    for (const fs::directory_entry& entry : fs::directory_iterator(folder, unreadable)) {
+    fs::directory_iterator found(folder, unreadable);
+    for (; !unreadable && found != fs::directory_iterator() && !stop.stop_requested();
+         found.increment(unreadable)) {
+        const fs::directory_entry& entry = *found;
         const QString name = platform::toQString(entry.path().filename());
         std::error_code error;
         if (name.startsWith(u'.')) continue;
@@ -58,7 +61,7 @@ void appendFolder(const fs::path& folder, QStringList& files) {
     naturalSort(names);
     for (const QString& name : names) files += platform::toQString(folder / platform::toPath(name));
     naturalSort(folders);
-    for (const QString& name : folders) appendFolder(folder / platform::toPath(name), files);
+    for (const QString& name : folders) appendFolder(folder / platform::toPath(name), files, stop);
 }
 
 void appendList(const QString& path, DroppedFiles& sorted) {
@@ -70,11 +73,11 @@ void appendList(const QString& path, DroppedFiles& sorted) {
     }
 }
 
-void append(const QString& path, DroppedFiles& sorted) {
+void append(const QString& path, DroppedFiles& sorted, const std::stop_token& stop) {
     std::error_code error;
     const fs::file_status status = fs::status(platform::toPath(path), error);
     if (fs::is_directory(status))
-        appendFolder(platform::toPath(path), sorted.files);
+        appendFolder(platform::toPath(path), sorted.files, stop);
     else if (isList(path) && fs::exists(status))
         appendList(path, sorted);
     else if (!fs::exists(status))
@@ -87,7 +90,7 @@ void append(const QString& path, DroppedFiles& sorted) {
 
 }  // namespace
 
-DroppedFiles sortOut(const QStringList& paths) {
+DroppedFiles sortOut(const QStringList& paths, const std::stop_token& stop) {
     DroppedFiles sorted;
     QStringList absolute;
     for (const QString& path : paths)
@@ -95,7 +98,8 @@ DroppedFiles sortOut(const QStringList& paths) {
     const auto isListFile = [](const QString& path) { return isList(path) && lists::isFile(path); };
     if (!absolute.isEmpty() && std::all_of(absolute.begin(), absolute.end(), isListFile))
         sorted.list = absolute.takeFirst();
-    for (const QString& path : absolute) append(path, sorted);
+    for (const QString& path : absolute)
+        if (!stop.stop_requested()) append(path, sorted, stop);
     return sorted;
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <stop_token>
+
 #include <QString>
 #include <QStringList>
 
@@ -18,7 +20,8 @@ struct DroppedFiles {
 /// a list; for a folder the sound files in it and below, in natural order ("2" before "10"); sound
 /// files. What is no sound by its ending, is not there or is a list that cannot be read is refused.
 /// Paths that are not absolute are taken from the current folder. Results have native separators.
-DroppedFiles sortOut(const QStringList& paths);
+/// Reads the disk, for as long as it takes, on any thread; asked to stop, it answers what it has.
+DroppedFiles sortOut(const QStringList& paths, const std::stop_token& stop = {});
 
 /// The refused ones as one text that fits on the screen: the first of them, and how many more.
 QString refusedText(const QStringList& refused);

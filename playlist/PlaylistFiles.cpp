@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "playlist/PlaylistFiles.h"
 
+#include <exception>
+
 #include <QLabel>
 
 #include "player/engine/PlayerEngine.h"
+#include "playlist/DiskQueue.h"
 #include "playlist/PlaylistCommands.h"
 #include "widgets/CommonDialog.h"
 #include "widgets/ListView.h"
@@ -13,9 +16,17 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace playlist {
 
+ReadList readList(const QString& path) {
+    try {
+        return {path, lists::readListFile(path)};
+    } catch (const std::exception&) {
+        return {path, std::nullopt};
+    }
+}
+
 PlaylistFiles::PlaylistFiles(player::PlayerEngine& engine, PlaylistCommands& commands,
-                             widgets::CommonDialog& dialog, QLabel& caption)
-    : engine_(engine), commands_(commands), dialog_(dialog), caption_(caption) {}
+                             widgets::CommonDialog& dialog, DiskQueue& disk, QLabel& caption)
+    : engine_(engine), commands_(commands), dialog_(dialog), disk_(disk), caption_(caption) {}
 
 void PlaylistFiles::SavePlaylistCommand(std::int16_t player) {
     dialog_.FileName.clear();
@@ -45,14 +56,30 @@ void PlaylistFiles::ReloadPlaylist(std::int16_t player, widgets::ListView& view)
     if (!caption_.text().isEmpty()) Load(player, view, caption_.text());
 }
 
-bool PlaylistFiles::Load(std::int16_t player, widgets::ListView& view, const QString& path) {
-    if (engine_.PlaylistLoad(player, path, 1) != 0) {
+void PlaylistFiles::Load(std::int16_t player, widgets::ListView& view, const QString& path) {
+    disk_.add([this, player, &view, path](const std::stop_token&) {
+        return [this, player, &view, read = readList(path)] { Show(player, view, read); };
+    });
+}
+
+void PlaylistFiles::LoadInSilence(std::int16_t player, widgets::ListView& view,
+                                  const QString& path) {
+    disk_.add([this, player, &view, path](const std::stop_token&) {
+        return [this, player, &view, read = readList(path)] { fill(player, view, read); };
+    });
+}
+
+void PlaylistFiles::Show(std::int16_t player, widgets::ListView& view, const ReadList& read) {
+    if (fill(player, view, read))
+        caption_.setText(read.path);
+    else
         widgets::msgBox(u"Error loading playlist"_s);
-        return false;
-    }
-    caption_.setText(path);
-    commands_.FillPlayListView(player, view);
-    return true;
+}
+
+bool PlaylistFiles::fill(std::int16_t player, widgets::ListView& view, const ReadList& read) {
+    const bool filled = read.entries && engine_.PlaylistFill(player, *read.entries, 1) == 0;
+    if (filled) commands_.FillPlayListView(player, view);
+    return filled;
 }
 
 }  // namespace playlist

@@ -240,8 +240,17 @@ void PlayerEngine::SetPlayerFlag(std::int16_t, bool) {}
 std::int32_t PlayerEngine::PlaylistLoad(std::int16_t player, const QString& path,
                                         std::int32_t replace) {
     if (!isPlayer(player)) return 1;
+    std::vector<lists::ListedEntry> entries;
+    if (impl_->attempt([&] { entries = lists::readListFile(path); }) != 0) return 1;
+    return PlaylistFill(player, entries, replace);
+}
+
+std::int32_t PlayerEngine::PlaylistFill(std::int16_t player,
+                                        const std::vector<lists::ListedEntry>& entries,
+                                        std::int32_t replace) {
+    if (!isPlayer(player)) return 1;
     return impl_->attempt([&] {
-        impl_->store.load(player, path, replace != 0);
+        impl_->store.fill(player, entries, replace != 0);
         impl_->transport(player).followList();
     });
 }

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <vector>
 
 #include <QObject>
 #include <QString>
@@ -12,6 +13,9 @@
 
 namespace audio::dsp {
 struct Peaks;
+}
+namespace lists {
+struct ListedEntry;
 }
 
 namespace player {
@@ -73,6 +77,9 @@ class PlayerEngine : public QObject {
     /// read, is no playlist, or the entries are too many; LastError() says which. A playing entry
     /// plays on, as the new list's first entry of the same path where there is one.
     std::int32_t PlaylistLoad(std::int16_t player, const QString& path, std::int32_t replace);
+    /// The same with entries that were read already, by whoever does not want to wait for the disk.
+    std::int32_t PlaylistFill(std::int16_t player, const std::vector<lists::ListedEntry>& entries,
+                              std::int32_t replace);
     /// Writes the entries as a PlaylistFormat, whole or not at all. Answers 0, or 1; see
     /// LastError().
     std::int32_t PlaylistSave(std::int16_t player, const QString& path, std::int32_t format);

@@ -47,10 +47,11 @@ PlaylistStore::PlaylistStore(QObject* parent)
     connect(&delivery_, &QTimer::timeout, this, &PlaylistStore::deliver);
 }
 
-void PlaylistStore::load(int player, const QString& path, bool replace) {
+void PlaylistStore::fill(int player, const std::vector<lists::ListedEntry>& listed, bool replace) {
     std::vector<Entry> entries;
-    for (lists::ListedEntry& listed : lists::readListFile(path))
-        entries.push_back({0, std::move(listed.path), std::move(listed.title), listed.durationMs});
+    entries.reserve(listed.size());
+    for (const lists::ListedEntry& entry : listed)
+        entries.push_back({0, entry.path, entry.title, entry.durationMs});
     Playlist& target = list(player);
     if (replace) reader_.drop(player);
     if (!(replace ? target.replace(entries) : target.insert(target.count(), entries)))

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <vector>
 
 #include <QObject>
 #include <QString>
@@ -13,6 +14,10 @@
 #include "player/engine/ItemInfoReader.h"
 #include "player/engine/Playlist.h"
 #include "player/engine/Wake.h"
+
+namespace lists {
+struct ListedEntry;
+}
 
 namespace player {
 
@@ -24,7 +29,7 @@ QString formatDuration(std::int64_t milliseconds);
 
 /// The playlists of all players and the workers that fill in titles and durations. Window thread
 /// only (the playlists themselves may be read by any thread). Throws platform::Error where a list
-/// cannot be read, written or grow; nothing has changed then.
+/// cannot be written or grow; nothing has changed then.
 class PlaylistStore : public QObject {
     Q_OBJECT
   public:
@@ -33,7 +38,7 @@ class PlaylistStore : public QObject {
     Playlist& list(int player) { return lists_[std::size_t(player)]; }
     const Playlist& list(int player) const { return lists_[std::size_t(player)]; }
 
-    void load(int player, const QString& path, bool replace);
+    void fill(int player, const std::vector<lists::ListedEntry>& listed, bool replace);
     void save(int player, const QString& path, int format) const;
     void insert(int player, const QStringList& paths, int index);
     QString info(int player, int index, int kind) const;

@@ -18,8 +18,8 @@ namespace {
 struct DeckTest : MainWindow {
     void SetUp() override {
         MainWindow::SetUp();
-        window->openPaths({song(u"a.mp3"_s, "music.mp3"), song(u"b.ogg"_s, "music.ogg"),
-                           song(u"c.wav"_s, "music.wav")});
+        open({song(u"a.mp3"_s, "music.mp3"), song(u"b.ogg"_s, "music.ogg"),
+              song(u"c.wav"_s, "music.wav")});
         ASSERT_EQ(list().rowCount(), 3);
     }
 
@@ -354,7 +354,7 @@ TEST_F(DeckTest, AnEntryThatCannotBePlayedIsPassedOver) {
     const QString path = folder.file(u"list.m3u"_s);
     std::ofstream(platform::toPath(path)) << "gone.mp3\ngone too.mp3\n"
                                           << song(u"a2.mp3"_s, "music.mp3").toStdString() << "\n";
-    window->openPaths({path});
+    open({path});
     list().selectRow(1);
     press("CommandPlay1");
     EXPECT_TRUE(heardRow(3));
@@ -430,7 +430,7 @@ TEST_F(DeckTest, ThePlayPositionMovesOnTheScreen) {
 
 TEST_F(DeckTest, FadeAndOverlayPlayBothPlayersAndStopEndsBoth) {
     press("Button2");
-    window->openPaths({longTone(), song(u"next.mp3"_s, "music.mp3")});
+    open({longTone(), song(u"next.mp3"_s, "music.mp3")});
     chooseFromMenu(*window, "Button1", "mnuTest");
     EXPECT_TRUE(heardRow(1));
     EXPECT_TRUE(waitFor([this] { return engine().GetPlayerStatus(1) == player::StatusPlaying; }));

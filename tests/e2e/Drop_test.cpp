@@ -32,6 +32,7 @@ struct Drop : MainWindow {
         if (enter.isAccepted()) QCoreApplication::sendEvent(area, &dropped);
         boxDuringDrop = openWindow("MsgBox") != nullptr;
         settle();
+        EXPECT_TRUE(waitForDisk(*window));
         return enter.isAccepted();
     }
 
@@ -100,7 +101,7 @@ TEST_F(Drop, NothingIsTakenWhileTheListIsLocked) {
 
 TEST_F(Drop, ArgumentsThatDoNotExistAreNamed) {
     const auto seen = answerMessageBox(QMessageBox::Ok);
-    window->openPaths({song(u"x.mp3"_s), folder.file(u"no such.mp3"_s)});
+    open({song(u"x.mp3"_s), folder.file(u"no such.mp3"_s)});
     EXPECT_TRUE(allAnswered());
     EXPECT_THAT(seen->text.toStdString(), testing::HasSubstr("no such.mp3"));
     EXPECT_EQ(titles(), QStringList({u"x.mp3"_s}));

@@ -52,7 +52,7 @@ TEST_F(Editing, ACancelledDialogAddsNothing) {
 }
 
 TEST_F(Editing, TitleAndDurationOfATaggedFile) {
-    window->openPaths({song(u"tagged.mp3"_s, "tone.mp3")});
+    open({song(u"tagged.mp3"_s, "tone.mp3")});
     const QString title = engine().PlaylistGetItemInfo(0, 0, player::ItemInfoTitle);
     EXPECT_FALSE(title.isEmpty());
     EXPECT_EQ(list().subItem(1, 2), title);
@@ -60,7 +60,7 @@ TEST_F(Editing, TitleAndDurationOfATaggedFile) {
 }
 
 TEST_F(Editing, AFileWithoutATitleShowsItsName) {
-    window->openPaths({song(u"Ünicode “x”.mp3"_s)});
+    open({song(u"Ünicode “x”.mp3"_s)});
     EXPECT_EQ(list().subItem(1, 2), u"Ünicode “x”.mp3"_s);
 }
 

@@ -26,6 +26,7 @@ struct Files : MainWindow {
         answerFileDialog(path);
         press("CommandLoad1");
         EXPECT_TRUE(allAnswered());
+        EXPECT_TRUE(waitForDisk(*window));
     }
 };
 

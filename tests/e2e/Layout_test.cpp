@@ -58,7 +58,7 @@ struct Layout : MainWindow {
         const QString name =
             u"Eine außerordentlich lange Überschrift für ein Musikstück, "
             "das niemals aufhören will und weiter und weiter geht.mp3"_s;
-        window->openPaths({song(name), song(u"قصة طويلة.mp3"_s), song(u"音楽.mp3"_s)});
+        open({song(name), song(u"قصة طويلة.mp3"_s), song(u"音楽.mp3"_s)});
         find<QLabel>(*window, "Label1").setText(name + name);
         find<QLabel>(*window, "Label5").setText(u"Working on: "_s + name + name);
         find<QLabel>(*window, "Label6").setText(u"125:07 / 1250:00"_s);

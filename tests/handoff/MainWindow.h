@@ -37,7 +37,11 @@ class MainWindow : public testing::Test {
     void open(const QStringList& names) {
         QStringList paths;
         for (const QString& name : names) paths += at(name);
+        openPaths(paths);
+    }
+    void openPaths(const QStringList& paths) {
         window.openPaths(paths);
+        EXPECT_TRUE(support::waitForDisk(window));
     }
     void openThree() {
         open({QStringLiteral("music/one.mp3"), QStringLiteral("music/two.mp3"),

@@ -196,7 +196,7 @@ TEST_F(RenameCommand, TheListMayLieOnAnotherFileSystem) {
     const FolderElsewhere elsewhere(folder.path());
     const QString listPath = platform::toQString(elsewhere.path() / "list.m3u");
     writeFile(elsewhere.path() / "list.m3u", absoluteList());
-    window.openPaths({listPath});
+    openPaths({listPath});
     select({1});
     expectRenaming(u"new"_s);
     answerMessageBox(QMessageBox::Ok);
@@ -210,7 +210,7 @@ TEST_F(RenameCommand, AListBehindALinkStaysThereWithItsMode) {
     writeFile(folder / "real.m3u", absoluteList());
     fs::permissions(folder / "real.m3u", fs::perms::owner_read | fs::perms::owner_write);
     fs::create_symlink("real.m3u", folder / "list.m3u");
-    window.openPaths({at(u"list.m3u"_s)});
+    openPaths({at(u"list.m3u"_s)});
     select({1});
     expectRenaming(u"new"_s);
     answerMessageBox(QMessageBox::Ok);

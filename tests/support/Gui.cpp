@@ -16,6 +16,11 @@ void settle() {
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
+bool waitForDisk(const QObject& window) {
+    const auto* queue = window.findChild<QObject*>(QStringLiteral("DiskQueue"));
+    return queue && waitFor([queue] { return !queue->property("busy").toBool(); });
+}
+
 bool activate(QWidget& window) {
     window.show();
     window.raise();

@@ -22,6 +22,9 @@ bool waitFor(const std::function<bool()>& condition, int milliseconds = patience
 /// Handles the events that are pending now.
 void settle();
 
+/// Waits until a main window has shown what it was to fetch from the disk.
+bool waitForDisk(const QObject& window);
+
 /// Shows and activates a window, and waits until it is exposed and active.
 bool activate(QWidget& window);
 

@@ -47,6 +47,12 @@ struct MainWindow : testing::Test {
         return platform::toQString(scratchCopy(fixtureName, folder.path(), name.toStdString()));
     }
 
+    /// Opens files, folders and lists as if given as arguments, and waits until they are shown.
+    void open(const QStringList& paths) {
+        window->openPaths(paths);
+        EXPECT_TRUE(waitForDisk(*window));
+    }
+
     /// Adds a file as the user does, with the button and the dialog.
     void addByDialog(const QString& path) {
         answerFileDialog(path);
@@ -58,7 +64,7 @@ struct MainWindow : testing::Test {
     QStringList addSongs(int count) {
         QStringList songs;
         for (int i = 1; i <= count; ++i) songs.append(song(QStringLiteral("%1.mp3").arg(i)));
-        window->openPaths(songs);
+        open(songs);
         return songs;
     }
 

@@ -144,6 +144,7 @@ TEST_F(OpeningWizard, ClosingTheMainWindowDuringARunEndsItAfterTheFileInHand) {
         0);
     ASSERT_TRUE(QFile::link(sound, folder.file(u"long2.wav"_s)));
     main->openPaths({sound, folder.file(u"long2.wav"_s)});
+    ASSERT_TRUE(support::waitForDisk(*main));
     answerMessageBox(QMessageBox::Yes);
     choose();
     ASSERT_TRUE(support::waitFor([this] { return wizard() != nullptr; }));
