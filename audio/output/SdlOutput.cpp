@@ -11,6 +11,7 @@
 #include <SDL.h>
 
 #include "platform/Error.h"
+#include "platform/Program.h"
 
 namespace audio::output {
 namespace {
@@ -106,7 +107,7 @@ std::unique_ptr<OutputDevice> openSdlOutput(const DeviceWish& wish, FrameSource&
 }
 
 void describeStream() {
-    SDL_SetHint(SDL_HINT_AUDIO_DEVICE_APP_NAME, "Tracksmith");
+    SDL_SetHint(SDL_HINT_AUDIO_DEVICE_APP_NAME, qUtf8Printable(platform::programTitle()));
     SDL_SetHint(SDL_HINT_AUDIO_DEVICE_STREAM_NAME, "Playlist");
     SDL_SetHint(SDL_HINT_AUDIO_DEVICE_STREAM_ROLE, "music");
     // PulseAudio's client library takes the role from here alone.

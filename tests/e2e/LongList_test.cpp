@@ -70,7 +70,7 @@ class Stall : public QObject {
         clock_.restart();
         beat_.start(5);
     }
-    qint64 longest = 0;
+    std::int64_t longest = 0;
 
   private:
     QTimer beat_;
