@@ -35,7 +35,7 @@ class BitFields {
 };
 
 /// How many bits tell each subband's allocation, by ranges of subbands; the tables end where no
-/// subband has any (ISO/IEC 11172-3, tables 3-B.2a to d).
+/// subband has any (ISO/IEC 11172-3, tables 3-B.2a to d; 13818-3, table B.1).
 struct Allocation {
     std::array<std::size_t, 3> ends;  ///< subbands with 4, 3 and 2 bits end here
     std::size_t subbands() const { return *std::max_element(ends.begin(), ends.end()); }
@@ -45,6 +45,7 @@ struct Allocation {
 };
 
 Allocation allocationOf(const FrameHeader& header) {
+    if (header.lsf()) return {{4, 11, 30}};
     const int kbps = header.bitRate / 1000 / header.channels();
     if (kbps < 56) return {{2, header.sampleRate == 32000 ? 12U : 8U, 0}};
     if (header.sampleRate == 48000 || kbps < 96) return {{11, 23, 27}};
@@ -60,7 +61,6 @@ struct Channel {
 }  // namespace
 
 bool changeScaleFactors(const FrameHeader& header, std::span<std::uint8_t> frame, int steps) {
-    if (header.lsf()) return false;
     constexpr int largestIndex = 62;
     const Allocation allocation = allocationOf(header);
     const auto channels = static_cast<std::size_t>(header.channels());

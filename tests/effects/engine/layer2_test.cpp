@@ -78,15 +78,12 @@ INSTANTIATE_TEST_SUITE_P(Kinds, LayerTwo, testing::ValuesIn(kinds()),
 }  // namespace
 
 TEST_P(LayerTwo, HalfTheLevelIsASetOfScaleFactors) {
-    make(hum(2));
+    // It fills the last frame, too: silence there has the lowest factors.
+    constexpr std::size_t delay = 481;  // of ffmpeg's encoder
+    make(hum((50.0 * frame - delay + 0.5) / GetParam().rate));
     const auto bytes = support::readBytes(file);
     editor.Amplify(50);
     const Sound after = saved();
-    if (GetParam().rate < 32000) {  // MPEG-2 is encoded
-        EXPECT_EQ(editor.LastSaveReport().method, audio::edit::SaveMethod::Encoded);
-        EXPECT_EQ(after.frames(), before.frames());
-        return;
-    }
     EXPECT_EQ(editor.LastSaveReport().method, audio::edit::SaveMethod::Spliced);
     EXPECT_EQ(editor.LastSaveReport().renderedFrames, 0);
     EXPECT_EQ(support::readBytes(file).size(), bytes.size());
