@@ -7,6 +7,7 @@
 #include "audio/tags/Mp4Atoms.h"
 #include "audio/tags/MpegTags.h"
 #include "audio/tags/OggFlacBlocks.h"
+#include "audio/tags/WavPackWrapper.h"
 #include "audio/tags/WaveChunks.h"
 
 namespace audio::tags {
@@ -24,7 +25,8 @@ Carrier carrierFor(const Format& format) {
     if (name == "flac") return writeWithFlacBlocks;
     if (name == "aiff") return writeWithAiffChunks;
     if (name.starts_with("mov,mp4,m4a")) return writeWithMp4Atoms;
-    if (name == "aac" || name == "wv" || name == "tta") return writeBetweenTags;
+    if (name == "wv") return writeWithWavPackTags;
+    if (name == "aac" || name == "tta") return writeBetweenTags;
     return nullptr;
 }
 

@@ -376,6 +376,49 @@ file.save()
     EXPECT_TRUE(support::python(fieldsByMutagen, {file}).contains("Cover Art (Back)"));
 }
 
+// The program wavpack keeps all of a WAVE file but its sound for the day it is unpacked.
+TEST_F(Carried, WavPackWithForeignChunksIsRefusedAsSuch) {
+    const fs::path wav = folder / "packed.wav";
+    const fs::path file = folder / "packed.wv";
+    const auto pack = [&] {
+        run(u"wavpack"_s,
+            {u"-q"_s, u"-y"_s, platform::toQString(wav), u"-o"_s, platform::toQString(file)});
+    };
+    // A plain head is no reason.
+    run(u"sox"_s, {platform::toQString(support::fixture("tone.wav")), u"-b"_s, u"16"_s,
+                   platform::toQString(wav)});
+    pack();
+    edit(file, fadeIn);
+
+    const QString chunkBehind =
+        uR"(
+import sys
+data = open(sys.argv[1], "rb").read()
+data += b"cue " + (4).to_bytes(4, "little") + bytes(4)
+open(sys.argv[1], "wb").write(data[:4] + (len(data) - 8).to_bytes(4, "little") + data[8:])
+)"_s;
+    const QString chunkBefore =
+        uR"(
+import sys
+data = open(sys.argv[1], "rb").read()
+chunk = b"LIST" + (18).to_bytes(4, "little") + b"INFOINAM" + (6).to_bytes(4, "little") + b"Title\0"
+data = data[:12] + chunk + data[12:]
+open(sys.argv[1], "wb").write(data[:4] + (len(data) - 8).to_bytes(4, "little") + data[8:])
+)"_s;
+    for (const auto& [script, name] : {std::pair(chunkBehind, "cue "), {chunkBefore, "LIST"}}) {
+        support::python(script, {wav});
+        pack();
+        const auto before = support::readBytes(file);
+        try {
+            edit(file, fadeIn);
+            ADD_FAILURE() << "was saved with " << name;
+        } catch (const platform::Error& error) {
+            EXPECT_NE(std::string(error.what()).find(name), std::string::npos) << error.what();
+        }
+        EXPECT_EQ(support::readBytes(file), before);
+    }
+}
+
 TEST_F(Carried, RawAacAndTtaKeepTheTagsAroundThem) {
     const fs::path tta = folder / "tone.tta";
     run(u"ffmpeg"_s, {u"-v"_s, u"error"_s, u"-i"_s,
