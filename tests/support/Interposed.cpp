@@ -31,6 +31,11 @@ ssize_t systemPwrite(int file, const void* bytes, size_t count, off_t at) {
     return next<ssize_t(int, const void*, size_t, off_t)>("pwrite")(file, bytes, count, at);
 }
 
+ssize_t systemCopyFileRange(int from, off_t* in, int to, off_t* out, size_t count) {
+    return next<ssize_t(int, off_t*, int, off_t*, size_t, unsigned)>("copy_file_range")(
+        from, in, to, out, count, 0);
+}
+
 std::filesystem::path pathOf(int file) {
     std::error_code error;
     return std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(file), error);
@@ -76,5 +81,11 @@ int fchown(int file, uid_t user, gid_t group) noexcept {
 ssize_t pwrite(int file, const void* bytes, size_t count, off_t at) {
     if (support::interposed.pwrite) return support::interposed.pwrite(file, bytes, count, at);
     return support::systemPwrite(file, bytes, count, at);
+}
+
+ssize_t copy_file_range(int from, off64_t* in, int to, off64_t* out, size_t count, unsigned) {
+    if (support::interposed.copyFileRange)
+        return support::interposed.copyFileRange(from, in, to, out, count);
+    return support::systemCopyFileRange(from, in, to, out, count);
 }
 }

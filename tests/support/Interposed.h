@@ -19,6 +19,7 @@ struct Interposed {
     std::function<int(int file)> futimens;
     std::function<int(int file, uid_t user, gid_t group)> fchown;
     std::function<ssize_t(int file, const void* bytes, size_t count, off_t at)> pwrite;
+    std::function<ssize_t(int from, off_t* in, int to, off_t* out, size_t count)> copyFileRange;
 };
 extern Interposed interposed;
 
@@ -26,6 +27,7 @@ extern Interposed interposed;
 int systemRename(const char* from, const char* to);
 int systemFsync(int file);
 ssize_t systemPwrite(int file, const void* bytes, size_t count, off_t at);
+ssize_t systemCopyFileRange(int from, off_t* in, int to, off_t* out, size_t count);
 
 /// Puts the system's own back when a test ends.
 struct InterposedReset {

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Files that are broken, cut, lie about themselves, or are no sound at all.
+#include <algorithm>
+#include <array>
 #include <fstream>
 #include <random>
 #include <sys/stat.h>
@@ -124,6 +126,33 @@ TEST_F(Awkward, ChainedOggIsOneSound) {
         const auto first = all.begin() + std::ptrdiff_t(2 * target);
         ASSERT_TRUE(std::equal(first, first + std::ptrdiff_t(2 * got), block.begin())) << target;
     }
+}
+
+// What a link holds is looked at when its sound is wanted, not before.
+TEST_F(Awkward, ALinkOfAChainIsOpenedWhenItIsNeeded) {
+    const auto link = support::readBytes(support::fixture("tone.ogg"));
+    const std::int64_t frames = Decoder(support::fixture("tone.ogg")).frames();
+    auto bytes = link;
+    bytes.insert(bytes.end(), link.begin(), link.end());
+    // The second page of the second link holds its set-up, without which it cannot be opened.
+    const auto begins = [&](std::size_t from) {
+        constexpr std::array capture = {std::byte{'O'}, std::byte{'g'}, std::byte{'g'},
+                                        std::byte{'S'}};
+        const auto at = bytes.begin() + static_cast<std::ptrdiff_t>(from);
+        return std::search(at, bytes.end(), capture.begin(), capture.end());
+    };
+    const auto setUp = begins(link.size() + 1);
+    std::fill(setUp + 60, begins(std::size_t(setUp - bytes.begin()) + 1), std::byte{0});
+    const auto file = folder_ / "chain.ogg";
+    support::writeBytes(file, bytes);
+    Decoder decoder(file);
+    EXPECT_TRUE(decoder.contents().chained);
+    const auto channels = static_cast<std::size_t>(decoder.format().channels);
+    std::vector<float> sound(static_cast<std::size_t>(frames) * channels);
+    EXPECT_EQ(decoder.read(sound.data(), static_cast<std::size_t>(frames)),
+              static_cast<std::size_t>(frames));
+    EXPECT_EQ(support::maxDifference(sound, reading::readAll(support::fixture("tone.ogg"))), 0);
+    EXPECT_THROW(decoder.read(sound.data(), 1), platform::Error);
 }
 
 TEST_F(Awkward, ChainOfDifferentRatesIsRefused) {

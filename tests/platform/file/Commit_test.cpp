@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 
 #include <gmock/gmock.h>
 
@@ -211,6 +212,57 @@ TEST_F(Commit, WhatAKilledCopyLeftIsRemovedByTheNext) {
     EXPECT_NE(namesIn(target.path()).front(), "song.mp3");
     file::copy(folder / "song.mp3", target / "other.mp3");
     EXPECT_THAT(namesIn(target.path()), ElementsAre("other.mp3"));
+}
+
+// Where the system copies nothing by itself, or no more, the rest is read and written.
+TEST_F(Commit, ACopyGoesOnByHandWhereTheSystemGivesUp) {
+    const std::string bytes = test::noise(3'000'001);
+    writeFile(folder / "long.wav", bytes);
+    for (const size_t bySystem : {size_t{0}, size_t{100'000}}) {
+        bool begun = bySystem == 0;
+        interposed.copyFileRange = [&](int from, off_t* in, int to, off_t* out, size_t) {
+            if (std::exchange(begun, true)) return ssize_t{refuse(ENOSYS)};
+            return support::systemCopyFileRange(from, in, to, out, bySystem);
+        };
+        file::copy(folder / "long.wav", folder / "copy.wav");
+        EXPECT_TRUE(readFile(folder / "copy.wav") == bytes) << bySystem;
+
+        begun = bySystem == 0;
+        file::Replacement joined(folder / "song.mp3");
+        joined.write("head", 4);
+        joined.copyFrom(folder / "long.wav", 12'345, 2'000'000);
+        joined.commit();
+        EXPECT_TRUE(readFile(folder / "song.mp3") == "head" + bytes.substr(12'345, 2'000'000));
+    }
+}
+
+TEST_F(Commit, ADiskThatFailsACopyIsNotAskedToDoItByHand) {
+    writeFile(folder / "long.wav", test::noise(300'001));
+    interposed.copyFileRange = [](int, off_t*, int, off_t*, size_t) {
+        return ssize_t{refuse(EIO)};
+    };
+    interposed.pwrite = [](int, const void*, size_t, off_t) -> ssize_t {
+        ADD_FAILURE() << "written by hand";
+        return refuse(EIO);
+    };
+    EXPECT_THAT(errorOf([&] { file::copy(folder / "long.wav", folder / "song.mp3"); }),
+                HasSubstr("song.mp3"));
+    EXPECT_EQ(readFile(folder / "song.mp3"), "old");
+    EXPECT_THAT(namesIn(folder.path()), ElementsAre("long.wav", "song.mp3"));
+}
+
+TEST_F(Commit, ADiskThatFillsUpWhileCopyingByHandLeavesTheOldFile) {
+    writeFile(folder / "long.wav", test::noise(3'000'001));
+    interposed.copyFileRange = [](int, off_t*, int, off_t*, size_t) {
+        return ssize_t{refuse(ENOSYS)};
+    };
+    interposed.pwrite = [](int open, const void* bytes, size_t count, off_t at) {
+        return at > 0 ? ssize_t{refuse(ENOSPC)} : support::systemPwrite(open, bytes, count, at);
+    };
+    EXPECT_THAT(errorOf([&] { file::copy(folder / "long.wav", folder / "song.mp3"); }),
+                HasSubstr("No space left"));
+    EXPECT_EQ(readFile(folder / "song.mp3"), "old");
+    EXPECT_THAT(namesIn(folder.path()), ElementsAre("long.wav", "song.mp3"));
 }
 
 }  // namespace

@@ -8,23 +8,9 @@
 
 #include "audio/mpeg/splice/Splice.h"
 #include "tests/audio/mpeg/MpegFiles.h"
+#include "tests/audio/mpeg/splice/MemorySink.h"
 
 namespace support {
-
-/// Keeps the stream in memory.
-class MemorySink : public audio::mpeg::StreamSink {
-  public:
-    void write(std::span<const std::uint8_t> bytes) override {
-        bytes_.insert(bytes_.end(), bytes.begin(), bytes.end());
-    }
-    void rewrite(std::int64_t offset, std::span<const std::uint8_t> bytes) override {
-        std::copy(bytes.begin(), bytes.end(), bytes_.begin() + offset);
-    }
-    const std::vector<std::uint8_t>& bytes() const { return bytes_; }
-
-  private:
-    std::vector<std::uint8_t> bytes_;
-};
 
 /// Rendered sound that comes from memory, whose samples it counts.
 audio::mpeg::SoundCallback soundFrom(std::shared_ptr<const Sound> sound, std::int64_t start = 0);
