@@ -36,6 +36,8 @@ struct Maker {
 
 /// Every encoder with every container that takes it, and all copies of one into another.
 const std::vector<Maker>& allMakers();
+/// The encoders of all makers, each once.
+std::vector<std::string> allEncoders();
 Likeness likenessOf(const Maker& maker);
 
 /// Makes the file in a folder; empty where the programs refuse, as for a rate that the codec does

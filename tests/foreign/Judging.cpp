@@ -111,4 +111,21 @@ std::string faultOfReading(const std::filesystem::path& file, Likeness likeness,
     }
 }
 
+bool ffmpegReads(const std::filesystem::path& file) {
+    return support::run(
+               QStringLiteral("ffprobe"),
+               {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-show_entries"),
+                QStringLiteral("stream=codec_name"), QString::fromStdString(file.string())})
+               .exitCode == 0;
+}
+
+bool opens(const std::filesystem::path& file) {
+    try {
+        const Decoder decoder(file);
+        return true;
+    } catch (const platform::Error&) {
+        return false;
+    }
+}
+
 }  // namespace foreign

@@ -15,4 +15,10 @@ namespace foreign {
 std::string faultOfReading(const std::filesystem::path& file, Likeness likeness, int jumps,
                            unsigned seed);
 
+/// Whether the ffmpeg program knows a file; it does not read all that it writes.
+bool ffmpegReads(const std::filesystem::path& file);
+
+/// Whether this program opens a file.
+bool opens(const std::filesystem::path& file);
+
 }  // namespace foreign
