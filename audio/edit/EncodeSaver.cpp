@@ -99,12 +99,12 @@ Format formatFor(const SaveJob& job) {
     return format;
 }
 
-// The sound is encoded beside, in the folder for scratch files, and put between the metadata.
-SaveReport encodeBetween(const SaveJob& job, tags::Carrier carry, platform::file::Replacement& file,
-                         Work& work) {
+// The sound is written beside, in the folder for scratch files, and put between the metadata.
+SaveReport carryAround(const SaveJob& job, tags::Carrier carry, platform::file::Replacement& file,
+                       const std::function<SaveReport(const std::filesystem::path&)>& writeSound) {
     platform::file::Temporary scratch;
     createScratch(scratch, job.scratchFolder);
-    const SaveReport report = encodeTo(scratch.path(), job, formatFor(job), work);
+    const SaveReport report = writeSound(scratch.path());
     tags::Carriage carriage;
     carriage.encoded = scratch.path();
     carriage.source = job.source->path();
@@ -117,11 +117,13 @@ SaveReport encodeBetween(const SaveJob& job, tags::Carrier carry, platform::file
 
 }  // namespace
 
-SaveReport writeEncoded(const SaveJob& job, platform::file::Replacement& file, Work& work) {
+SaveReport writeBetweenTags(
+    const SaveJob& job, platform::file::Replacement& file,
+    const std::function<SaveReport(const std::filesystem::path& path)>& writeSound) {
     const bool sameKind = job.output.containerName == job.source->format().containerName;
     const tags::Carrier carry = tags::carrierFor(job.output);
-    if (job.keepTags && sameKind && carry) return encodeBetween(job, carry, file, work);
-    const SaveReport report = encodeTo(file.temporary(), job, formatFor(job), work);
+    if (job.keepTags && sameKind && carry) return carryAround(job, carry, file, writeSound);
+    const SaveReport report = writeSound(file.temporary());
     const bool carried = sameContainer(job, Container::Wav) ||
                          (sameContainer(job, Container::Ogg) && job.output.codec == Codec::Vorbis);
     if (!job.keepTags || carried) return report;
@@ -131,6 +133,12 @@ SaveReport writeEncoded(const SaveJob& job, platform::file::Replacement& file, W
                               "\" cannot be saved: the tags of its format (" +
                               job.source->format().containerName + ") cannot be carried over.");
     return report;
+}
+
+SaveReport writeEncoded(const SaveJob& job, platform::file::Replacement& file, Work& work) {
+    return writeBetweenTags(job, file, [&](const std::filesystem::path& path) {
+        return encodeTo(path, job, formatFor(job), work);
+    });
 }
 
 }  // namespace audio::edit

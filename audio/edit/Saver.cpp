@@ -107,10 +107,13 @@ void verifySound(const std::filesystem::path& written, const SaveJob& job,
                           ", so it was thrown away.");
 }
 
-// Frames that were joined are looked at right away: where the result is not what it should be, all
-// of the sound is encoded instead.
-SaveReport writeVerifiedMpeg(const SaveJob& job, platform::file::Replacement& file, Work& work) {
-    SaveReport report = writeMpeg(job, file, work);
+using Writer = SaveReport (*)(const SaveJob& job, platform::file::Replacement& file, Work& work);
+
+// What was joined is looked at right away: where the result is not what it should be, all of the
+// sound is encoded instead.
+SaveReport writeVerified(Writer writer, const SaveJob& job, platform::file::Replacement& file,
+                         Work& work) {
+    SaveReport report = writer(job, file, work);
     if (job.encodeAll || !job.sameFormat()) return report;
     try {
         verifySound(file.temporary(), job, report);
@@ -123,7 +126,7 @@ SaveReport writeVerifiedMpeg(const SaveJob& job, platform::file::Replacement& fi
         file.truncate(0);
         SaveJob again = job;
         again.encodeAll = true;
-        report = writeMpeg(again, file, work);
+        report = writer(again, file, work);
         report.note = error.what();
         return report;
     }
@@ -136,7 +139,8 @@ SaveReport write(const SaveJob& job, platform::file::Replacement& file, Work& wo
     work.begin(job.list.frames());
     const bool unchanged = job.sameFormat() && job.keepTags && job.list.isAllOf(*job.source);
     if (unchanged) return writeCopy(job, file, work);
-    if (isMpeg(job.output)) return writeVerifiedMpeg(job, file, work);
+    if (isMpeg(job.output)) return writeVerified(writeMpeg, job, file, work);
+    if (joinsPackets(job)) return writeVerified(writePackets, job, file, work);
     return writeEncoded(job, file, work);
 }
 

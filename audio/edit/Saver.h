@@ -21,7 +21,7 @@ struct SaveJob {
     std::shared_ptr<const SourceMaterial> source;  ///< the file that was loaded
     Format output;
     bool keepTags = true;
-    bool encodeAll = false;  ///< never join MPEG frames, encode all of the sound
+    bool encodeAll = false;  ///< never join frames or packets, encode all of the sound
     /// Where encoded sound is kept while its final place is being prepared.
     std::filesystem::path scratchFolder;
 
@@ -42,7 +42,7 @@ struct SaveJob {
 enum class SaveMethod {
     Copied,   ///< nothing was touched: the sound's bytes are the source's
     Pcm,      ///< untouched samples copied, touched ones written
-    Spliced,  ///< touched MPEG frames encoded, the others copied
+    Spliced,  ///< touched MPEG frames, Opus or AAC packets encoded, the others copied
     Encoded,  ///< all of the sound encoded
 };
 

@@ -98,7 +98,12 @@ void BlockEncoder::open(const Format& format, const Recipe& recipe) {
             av_opt_set_int(codec_->priv_data, "vbr", constrainedVbr, 0);
             codec_->bit_rate = std::clamp<std::int64_t>(format.bitRate, leastOpusRate,
                                                         mostOpusRate * format.channels);
+            if (recipe.packetFrames > 0)
+                av_opt_set_double(codec_->priv_data, "frame_duration",
+                                  1'000.0 * recipe.packetFrames / format.sampleRate, 0);
         }
+        if (codec_->codec_id == AV_CODEC_ID_AAC && recipe.joins)
+            av_opt_set_int(codec_->priv_data, "aac_pns", 0, 0);
         if (format.codec == Codec::Wma) {
             // The encoder rounds down to whole bytes per block: ask for what gives the same again.
             const double bytes = double(format.bitRate) * recipe.block / (8.0 * format.sampleRate);

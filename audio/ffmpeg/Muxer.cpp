@@ -25,10 +25,21 @@ int asfPacketSize(int blockBytes) {
     return std::clamp(packetHeader + blocks * (blockBytes + blockHeader), 200, 65'535);
 }
 
+ParametersPtr parametersOf(const BlockEncoder& encoder) {
+    ParametersPtr parameters(avcodec_parameters_alloc());
+    if (!parameters || avcodec_parameters_from_context(parameters.get(), &encoder.context()) < 0)
+        throw std::bad_alloc();
+    return parameters;
+}
+
 }  // namespace
 
 Muxer::Muxer(const std::filesystem::path& file, const Recipe& recipe, const BlockEncoder& encoder)
-    : file_(file), timeBase_(encoder.context().time_base) {
+    : Muxer(file, recipe, *parametersOf(encoder)) {}
+
+Muxer::Muxer(const std::filesystem::path& file, const Recipe& recipe,
+             const AVCodecParameters& parameters)
+    : file_(file), timeBase_{1, parameters.sample_rate} {
     if (!output_.openForWriting(file_, failure_)) require(-1, "could not be written");
     auto* buffer = static_cast<unsigned char*>(av_malloc(bufferBytes));
     if (!buffer) throw std::bad_alloc();
@@ -37,7 +48,7 @@ Muxer::Muxer(const std::filesystem::path& file, const Recipe& recipe, const Bloc
         av_free(buffer);
         throw std::bad_alloc();
     }
-    writeHeader(recipe, encoder);
+    writeHeader(recipe, parameters);
 }
 
 void Muxer::require(int result, const std::string& what) const {
@@ -45,7 +56,7 @@ void Muxer::require(int result, const std::string& what) const {
     throw fileError(file_, what + ": " + (failure_ ? failure_.message() : ffmpegReason(result)));
 }
 
-void Muxer::writeHeader(const Recipe& recipe, const BlockEncoder& encoder) {
+void Muxer::writeHeader(const Recipe& recipe, const AVCodecParameters& parameters) {
     AVFormatContext* made = nullptr;
     require(avformat_alloc_output_context2(&made, recipe.muxer, nullptr, nullptr),
             "cannot be written");
@@ -55,13 +66,13 @@ void Muxer::writeHeader(const Recipe& recipe, const BlockEncoder& encoder) {
     AVStream* stream = avformat_new_stream(made, nullptr);
     if (!stream) throw std::bad_alloc();
     stream->time_base = timeBase_;
-    require(avcodec_parameters_from_context(stream->codecpar, &encoder.context()),
-            "cannot be written");
+    require(avcodec_parameters_copy(stream->codecpar, &parameters), "cannot be written");
+    stream->codecpar->codec_tag = 0;  // the muxer's own choice
 
     AVDictionary* options = nullptr;
     av_dict_set(&options, "write_id3v2", "0", 0);
     if (std::strcmp(recipe.muxer->name, "asf") == 0)
-        av_dict_set_int(&options, "packet_size", asfPacketSize(encoder.context().block_align), 0);
+        av_dict_set_int(&options, "packet_size", asfPacketSize(parameters.block_align), 0);
     const int result = avformat_write_header(made, &options);
     av_dict_free(&options);
     require(result, "could not be written");

@@ -20,6 +20,11 @@ struct Recipe {
     /// Whether what is written of a block depends on nothing but it and the sound of the block
     /// before, so that parts can be encoded side by side.
     bool independentBlocks = false;
+    /// Frames of a packet, for an encoder that has several sizes (Opus); 0: its usual one.
+    int packetFrames = 0;
+    /// Whether the packets will stand among others of the same stream: nothing in them may depend
+    /// on what a decoder did long before (AAC's noise substitution).
+    bool joins = false;
     explicit operator bool() const { return muxer && encoder; }
 };
 

@@ -110,23 +110,31 @@ Bytes copyOf(const Box& box) {
 }
 
 /// A field with a name of its own: "----" with the boxes mean, name and data.
-bool isLevelField(const Box& field) {
-    if (field.type != "----") return false;
+std::string fieldName(const Box& field) {
+    if (field.type != "----") return {};
     const std::vector<Box> parts = boxesIn(field.body());
     const Box* name = find(parts, "name");
-    if (!name || name->body().size() < 4) return false;
+    if (!name || name->body().size() < 4) return {};
     const View text = name->body().subspan(4);
-    return isLevelName(std::string(text.begin(), text.end()));
+    return {text.begin(), text.end()};
 }
 
-Bytes withoutLevels(const Box& meta) {
+/// Whether a field says of the sound what is no longer so: where it begins and ends in the packets,
+/// which the edit list of the new file states, or its level.
+bool isOutdated(const Box& field, LevelFields levels) {
+    const std::string name = fieldName(field);
+    return name == "iTunSMPB" || (levels == LevelFields::Drop && isLevelName(name));
+}
+
+Bytes withoutOutdated(const Box& meta, LevelFields levels) {
     // As QuickTime writes it, the box has no version.
     const bool plain = meta.body().size() >= 8 && number(meta.body(), 4, 4) == 0x68646C72;  // hdlr
     const std::size_t skipped = plain ? 0 : std::min<std::size_t>(4, meta.body().size());
-    return rebuilt(meta, skipped, [](const Box& box) {
+    return rebuilt(meta, skipped, [levels](const Box& box) {
         if (box.type != "ilst") return copyOf(box);
-        return rebuilt(
-            box, 0, [](const Box& field) { return isLevelField(field) ? Bytes() : copyOf(field); });
+        return rebuilt(box, 0, [levels](const Box& field) {
+            return isOutdated(field, levels) ? Bytes() : copyOf(field);
+        });
     });
 }
 
@@ -159,7 +167,7 @@ Bytes movedChapters(const Box& box, const Carriage& carriage) {
 Bytes carriedUserData(const Box& userData, const Carriage& carriage) {
     return rebuilt(userData, 0, [&](const Box& box) {
         if (box.type == "chpl") return movedChapters(box, carriage);
-        if (box.type == "meta" && carriage.levels == LevelFields::Drop) return withoutLevels(box);
+        if (box.type == "meta") return withoutOutdated(box, carriage.levels);
         return copyOf(box);
     });
 }

@@ -7,6 +7,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 
 #include "audio/tags/LevelNames.h"
 #include "platform/file/WindowReader.h"
@@ -25,8 +26,9 @@ std::uint32_t littleEndian32(Bytes bytes, std::size_t at) {
            static_cast<std::uint32_t>(bytes[at + 3]) << 24;
 }
 
-bool begins(const Packet& packet, const char* signature) {
-    return packet.size() >= 7 && std::memcmp(packet.data(), signature, 7) == 0;
+bool begins(const Packet& packet, std::string_view signature) {
+    return packet.size() >= signature.size() &&
+           std::memcmp(packet.data(), signature.data(), signature.size()) == 0;
 }
 
 /// Gathers the packets of every stream of an Ogg file (RFC 3533) from its first page on.
@@ -34,8 +36,8 @@ class PacketFinder {
   public:
     explicit PacketFinder(const std::filesystem::path& file) : reader_(file) {}
 
-    /// The second packet of the stream whose first one is a Vorbis identification header.
-    Packet vorbisComment() {
+    /// The second packet of the stream whose first one is the head of Vorbis or of Opus.
+    Packet comment() {
         while (const auto segments = nextPage()) {
             Packet& packet = open_[serial_];
             std::int64_t at = body_;
@@ -44,8 +46,9 @@ class PacketFinder {
                 packet.insert(packet.end(), part.begin(), part.end());
                 at += lace;
                 if (lace == 255) continue;
-                if (vorbisSerial_ == serial_) return packet;
-                if (begins(packet, "\x01vorbis")) vorbisSerial_ = serial_;
+                if (soundSerial_ == serial_) return packet;
+                if (begins(packet, "\x01vorbis") || begins(packet, "OpusHead"))
+                    soundSerial_ = serial_;
                 packet.clear();
             }
             position_ = at;
@@ -71,7 +74,7 @@ class PacketFinder {
     std::int64_t position_ = 0;
     std::int64_t body_ = 0;
     std::uint32_t serial_ = 0;
-    std::optional<std::uint32_t> vorbisSerial_;
+    std::optional<std::uint32_t> soundSerial_;
     std::map<std::uint32_t, Packet> open_;
 };
 
@@ -83,8 +86,11 @@ struct CommentLayout {
 };
 
 std::optional<CommentLayout> layoutOf(const Packet& packet) {
-    constexpr std::size_t signature = 7;
-    if (!begins(packet, "\x03vorbis") || packet.size() < signature + 8) return {};
+    constexpr std::string_view vorbis = "\x03vorbis";
+    constexpr std::string_view opus = "OpusTags";
+    const std::size_t signature = begins(packet, opus) ? opus.size() : vorbis.size();
+    if (!begins(packet, vorbis) && !begins(packet, opus)) return {};
+    if (packet.size() < signature + 8) return {};
     CommentLayout layout;
     std::size_t at = signature;
     const auto skip = [&packet, &at] {
@@ -110,7 +116,7 @@ std::optional<CommentLayout> layoutOf(const Packet& packet) {
 }  // namespace
 
 std::vector<std::uint8_t> readVorbisComment(const std::filesystem::path& file, LevelFields levels) {
-    Packet packet = PacketFinder(file).vorbisComment();
+    Packet packet = PacketFinder(file).comment();
     return levels == LevelFields::Keep ? packet : withoutLevelComments(packet);
 }
 

@@ -9,7 +9,7 @@
 
 namespace audio::tags {
 
-/// The comment header packet of an Ogg Vorbis file as it lies there: all comments, their order and
+/// The comment packet of an Ogg Vorbis or Opus file as it lies there: all comments, their order and
 /// case, pictures, the vendor text, and whatever follows them. Where statements about the level are
 /// dropped, those comments go and the rest stays. Empty where there is none. Throws platform::Error
 /// where the file cannot be read.
