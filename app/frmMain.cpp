@@ -116,18 +116,26 @@ void frmMain::Form_Initialize() {
 
 void frmMain::Form_Load() {
     PlayerEngine1->InitEngine(2, static_cast<std::intptr_t>(winId()), 0, 0, 0, 0);
-    displays_->createWaveform(0, ui_->PictureWaveform1);
-    displays_->createSpectrum(0, ui_->PictureWaveform2);
-    displays_->show(0, true);
+    showDisplays();
     PlayerEngine1->SetPlayerFlag(0, true);
     PlayerEngine1->SetPlayerFlag(1, true);
     widgets::fitScreen(*this);
+    startTimers();
+    ui_->ListView1->setFocus();
+}
+
+void frmMain::showDisplays() {
+    displays_->createWaveform(0, ui_->PictureWaveform1);
+    displays_->createSpectrum(0, ui_->PictureWaveform2);
+    displays_->show(0, true);
     ui_->ListView1->setColumnCharacters(0, 8);
     ui_->ListView1->setColumnCharacters(1, 10);
+}
+
+void frmMain::startTimers() {
     Timer1->start(std::chrono::milliseconds(500));
     Timer2->start(std::chrono::milliseconds(2000));
     Timer2_Timer();
-    ui_->ListView1->setFocus();
 }
 
 // Closing cannot be refused; a list of one entry is left without asking.

@@ -96,6 +96,8 @@ class frmMain : public QWidget {
     // frmMain.cpp: start-up and shutdown
     void Form_Initialize();
     void Form_Load();
+    void showDisplays();
+    void startTimers();
     void Form_QueryUnload();
     void Form_Unload();
 

@@ -3,9 +3,8 @@
 #include "app/MainControls.h"
 #include "app/MainPorts.h"
 #include "app/frmMain.h"
-#include "handoff/CopyCommands.h"
+#include "handoff/FileCommands.h"
 #include "handoff/Handoffs.h"
-#include "handoff/RenameCommand.h"
 #include "ui_frmMain.h"
 
 namespace app {

@@ -19,16 +19,19 @@ bool askReady() {
                            wizard::texts::ReadyTitle.toString()) == widgets::MsgResult::Yes;
 }
 
+QStringList allPaths(const ports::FileList& list) {
+    QStringList paths;
+    for (int entry = 0; entry < list.rowCount(); ++entry) paths << list.entryPath(entry);
+    return paths;
+}
+
 }  // namespace
 
 void frmMain::mnuCrossFader_Click() {
     if (!askReady()) return;
     CommandStop1_Click();
     wizard::frmFadeWizard2& form = loadWizard();
-    QStringList playlist;
-    for (int entry = 0; entry < ports_->list.rowCount(); ++entry)
-        playlist << ports_->list.entryPath(entry);
-    form.handOver(playlist);
+    form.handOver(allPaths(ports_->list));
     if (form.fileCount() == 0)
         widgets::msgBox(wizard::texts::NoFiles.toString());
     else

@@ -7,12 +7,7 @@
 #include <CLI/CLI.hpp>
 
 #include "cli/Invocation.h"
-#include "cli/commands/ConvertList.h"
-#include "cli/commands/Copy.h"
-#include "cli/commands/Crossfade.h"
-#include "cli/commands/Effect.h"
-#include "cli/commands/Show.h"
-#include "cli/commands/Transform.h"
+#include "cli/commands/Commands.h"
 #include "platform/Program.h"
 
 namespace cli {

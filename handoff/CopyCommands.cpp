@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "handoff/CopyCommands.h"
-
 #include <exception>
 #include <functional>
 
 #include "handoff/CopyFiles.h"
+#include "handoff/FileCommands.h"
 #include "handoff/LoadedList.h"
 #include "platform/Paths.h"
 #include "ports/Boxes.h"

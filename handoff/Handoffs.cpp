@@ -8,12 +8,12 @@
 
 #include "app/modules/modMain.h"
 #include "handoff/HandoffFiles.h"
-#include "handoff/LaunchCompanion.h"
 #include "handoff/LoadedList.h"
 #include "lists/ListText.h"
 #include "lists/ListWriter.h"
 #include "platform/Paths.h"
 #include "platform/ResumeNext.h"
+#include "platform/StartProgram.h"
 #include "ports/Boxes.h"
 #include "ports/EventPump.h"
 #include "ports/FileList.h"
@@ -137,6 +137,12 @@ void TagHandoff(const ports::Ports& ports) {
     countSelected(ports);
     replaceOrRemove(tagFile(), linesOfSelectedMp3s(ports));
     LaunchCompanion(u"\\Glyphwell.EXE"_s);
+}
+
+void LaunchCompanion(const QString& relativePath) noexcept {
+    // Companions are optional: without one the command simply ends.
+    platform::resumeNext(
+        [&] { platform::startProgram(platform::besideApplication(relativePath)); });
 }
 
 void launch(Companion companion) noexcept {

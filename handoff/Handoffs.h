@@ -39,6 +39,11 @@ void DataCdHandoff(ports::Boxes& boxes, LoadedList& loaded, std::int16_t player)
 /// one of the list.
 void TagHandoff(const ports::Ports& ports);
 
+/// Starts a companion program given by its fixed path relative to the application folder
+/// ("\\Fornax\\Fornax_Audio.EXE"), in a normal window, without arguments, and does not wait for it.
+/// A companion that is missing or cannot be started is passed over in silence.
+void LaunchCompanion(const QString& relativePath) noexcept;
+
 /// Companions that have no command.
 enum class Companion { GlyphwellPro, Quillon, Pelorus, Scallop, MarlCrestHelp, MarlCrestHelp2 };
 void launch(Companion companion) noexcept;

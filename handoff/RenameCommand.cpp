@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "handoff/RenameCommand.h"
-
 #include <exception>
 #include <filesystem>
 #include <optional>
@@ -10,6 +8,7 @@
 #include <QFile>
 
 #include "app/modules/modPath.h"
+#include "handoff/FileCommands.h"
 #include "handoff/LoadedList.h"
 #include "lists/ListText.h"
 #include "lists/Names.h"

@@ -3,9 +3,8 @@
 
 #include <cstdint>
 
-#include "wizard/Attempts.h"
-#include "wizard/GuardedSave.h"
 #include "wizard/Naming.h"
+#include "wizard/Steps.h"
 #include "wizard/Texts.h"
 
 namespace wizard {

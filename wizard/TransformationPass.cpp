@@ -2,7 +2,6 @@
 #include "wizard/TransformationPass.h"
 
 #include "wizard/CrossFadeRounds.h"
-#include "wizard/GuardedSave.h"
 #include "wizard/Naming.h"
 #include "wizard/OutputFormat.h"
 #include "wizard/Texts.h"

@@ -6,10 +6,10 @@
 #include <QString>
 
 #include "effects/engine/Editor.h"
-#include "wizard/Attempts.h"
 #include "wizard/Naming.h"
 #include "wizard/RunView.h"
 #include "wizard/Session.h"
+#include "wizard/Steps.h"
 
 namespace wizard {
 

@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "cli/commands/ConvertList.h"
-
 #include <memory>
 #include <string>
 #include <vector>
@@ -10,6 +8,7 @@
 
 #include "audio/tags/TrackInfo.h"
 #include "cli/Invocation.h"
+#include "cli/commands/Commands.h"
 #include "lists/ListReader.h"
 #include "lists/ListWriter.h"
 #include "platform/Paths.h"

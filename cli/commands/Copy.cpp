@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "cli/commands/Copy.h"
-
 #include <exception>
 #include <memory>
 #include <string>
@@ -11,6 +9,7 @@
 
 #include "cli/CommandPorts.h"
 #include "cli/Invocation.h"
+#include "cli/commands/Commands.h"
 #include "handoff/CopyFiles.h"
 #include "handoff/PickedFolder.h"
 #include "lists/ListReader.h"

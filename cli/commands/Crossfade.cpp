@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "cli/commands/Crossfade.h"
-
 #include <memory>
 #include <string>
 
@@ -12,6 +10,7 @@
 #include "cli/Invocation.h"
 #include "cli/MixOptions.h"
 #include "cli/Seconds.h"
+#include "cli/commands/Commands.h"
 
 namespace cli {
 namespace {

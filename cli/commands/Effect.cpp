@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "cli/commands/Effect.h"
-
 #include <cmath>
 #include <memory>
 #include <string>
@@ -16,6 +14,7 @@
 #include "cli/Inputs.h"
 #include "cli/Invocation.h"
 #include "cli/Seconds.h"
+#include "cli/commands/Commands.h"
 #include "platform/Error.h"
 
 namespace cli {

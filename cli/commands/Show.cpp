@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "cli/commands/Show.h"
-
 #include <exception>
 #include <filesystem>
 #include <memory>
@@ -13,6 +11,7 @@
 #include "audio/tags/TrackInfo.h"
 #include "cli/Inputs.h"
 #include "cli/Invocation.h"
+#include "cli/commands/Commands.h"
 #include "lists/ListReader.h"
 #include "platform/Paths.h"
 #include "player/engine/PlaylistStore.h"

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "cli/commands/Transform.h"
-
 #include <memory>
 
 #include <CLI/CLI.hpp>
 
 #include "cli/Invocation.h"
 #include "cli/MixOptions.h"
+#include "cli/commands/Commands.h"
 
 namespace cli {
 

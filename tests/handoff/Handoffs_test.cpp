@@ -9,7 +9,6 @@
 
 #include "app/modules/modMain.h"
 #include "handoff/HandoffFiles.h"
-#include "handoff/LaunchCompanion.h"
 #include "platform/Paths.h"
 #include "tests/handoff/Companion.h"
 #include "tests/handoff/FakeWindow.h"

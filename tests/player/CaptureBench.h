@@ -23,6 +23,11 @@ namespace support {
 /// Lets events through until the condition holds; false after a minute.
 bool waitUntil(const std::function<bool()>& condition);
 
+/// What player 0's list says of an entry.
+inline QString info(const player::PlayerEngine& engine, int index, int kind) {
+    return engine.PlaylistGetItemInfo(0, std::int16_t(index), kind);
+}
+
 /// A player engine whose sound goes to the test, frame by frame, at the test's own pace, and a log
 /// of its events.
 class CaptureBench {

@@ -13,11 +13,8 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 using player::PlayerEngine;
+using support::info;
 using support::waitUntil;
-
-QString info(const PlayerEngine& engine, int index, int kind) {
-    return engine.PlaylistGetItemInfo(0, std::int16_t(index), kind);
-}
 
 TEST(ItemInfo, DurationText) {
     EXPECT_EQ(player::formatDuration(0), u"0:00"_s);

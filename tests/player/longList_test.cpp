@@ -16,11 +16,8 @@ namespace {
 
 using namespace Qt::Literals::StringLiterals;
 using player::PlayerEngine;
+using support::info;
 using support::waitUntil;
-
-QString info(const PlayerEngine& engine, int index, int kind) {
-    return engine.PlaylistGetItemInfo(0, std::int16_t(index), kind);
-}
 
 /// A list of 20,000 real files: links to two, of which those of even numbers lead to the one with a
 /// title, each of a name of its own.

@@ -113,6 +113,15 @@ void frmFadeWizard2::connectFileField(QAbstractButton* select, QAbstractButton* 
 }
 
 void frmFadeWizard2::Form_Load() {
+    showLists();
+    showValues(false);
+    offerFormats();
+    AudioEditor1->SetTemporaryFolder(platform::fixedPath(u"C:\\Zolvo_Temp\\"_s));
+    Timer1->start(std::chrono::milliseconds(500));
+    widgets::fitScreen(*this);
+}
+
+void frmFadeWizard2::showLists() {
     ui_->lstFiles->setModel(&session_.lstFiles);
     ui_->lstFiles2->setModel(&session_.lstFiles2);
     ui_->List1->setModel(&session_.List1);
@@ -120,7 +129,9 @@ void frmFadeWizard2::Form_Load() {
          {static_cast<QWidget*>(ui_->Combo5), static_cast<QWidget*>(ui_->Label13),
           static_cast<QWidget*>(ui_->Button10), static_cast<QWidget*>(ui_->LabelFront)})
         keepPlaceWhenHidden(widget);
-    showValues(false);
+}
+
+void frmFadeWizard2::offerFormats() {
     ui_->Combo1->addItems(formatTexts());
     ui_->Combo2->addItems(frequencyTexts());
     ui_->Combo2->setCurrentText(initialFrequency());
@@ -128,9 +139,6 @@ void frmFadeWizard2::Form_Load() {
     ui_->Combo4->setCurrentText(initialChannels());
     ui_->infoGenre->addItems(genreNames());
     ui_->infoGenre->setCurrentIndex(-1);
-    AudioEditor1->SetTemporaryFolder(platform::fixedPath(u"C:\\Zolvo_Temp\\"_s));
-    Timer1->start(std::chrono::milliseconds(500));
-    widgets::fitScreen(*this);
 }
 
 void frmFadeWizard2::Form_Activate() {

@@ -76,6 +76,8 @@ class frmFadeWizard2 : public QMainWindow, private RunView {
   private:
     // frmFadeWizard2.cpp
     void Form_Load();
+    void showLists();
+    void offerFormats();
     void Form_Activate();
     void Form_Unload();
     void buildEffectChecks();
@@ -86,6 +88,7 @@ class frmFadeWizard2 : public QMainWindow, private RunView {
     // frmFadeWizard2_settings.cpp
     void Check_Click(const EffectRow& row, bool ticked);
     void hideFrontLabel(const EffectRow& row);
+    void offerValues(const EffectRow& row);
     void showValues(bool visible);
     void Button10_Click();
     void Combo1_Click();
@@ -101,6 +104,7 @@ class frmFadeWizard2 : public QMainWindow, private RunView {
 
     // frmFadeWizard2_run.cpp
     void Button7_Click();
+    void run();
     void runEnded();
     void Button6_Click();
     void AudioEditor1_Progress(int percent);

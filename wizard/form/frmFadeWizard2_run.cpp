@@ -37,6 +37,10 @@ void frmFadeWizard2::Button7_Click() {
     ui_->Button7->setEnabled(false);
     preview_->clearFailures();
     const auto atTheEnd = qScopeGuard([this] { runEnded(); });
+    run();
+}
+
+void frmFadeWizard2::run() {
     ports::WindowBoxes boxes(*this);
     ports::WindowEvents events(closing_);
     TransformationPass pass(*AudioEditor1, session_, {*this, *bar_, boxes, events});

@@ -39,7 +39,10 @@ void frmFadeWizard2::Check_Click(const EffectRow& row, bool on) {
     if (row.kind == EffectKind::Bare) return hideFrontLabel(row);
     showValues(on);
     ui_->Combo5->clear();
-    if (!on) return;
+    if (on) offerValues(row);
+}
+
+void frmFadeWizard2::offerValues(const EffectRow& row) {
     ui_->Combo5->addItems(row.texts());
     ui_->Combo5->setCurrentIndex(ui_->Combo5->findText(row.text(row.shown)));
     session_.settings.workingon = row.code;

@@ -4,8 +4,10 @@
 #include <exception>
 #include <utility>
 
+#include "effects/engine/Editor.h"
 #include "wizard/Naming.h"
 #include "wizard/RunView.h"
+#include "wizard/Session.h"
 
 namespace wizard {
 
@@ -38,5 +40,10 @@ class Attempts {
     QString name_;
     bool reported_ = false;
 };
+
+/// Saves as the engine does, but never over one of the originals: that is a platform::Error, and
+/// the file is left as it is.
+void guardedSave(effects::Editor& editor, const Originals& originals, const QString& path,
+                 bool selectionOnly);
 
 }  // namespace wizard

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "wizard/GuardedSave.h"
+#include "wizard/Steps.h"
 
 #include "platform/Error.h"
 
