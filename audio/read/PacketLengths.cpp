@@ -187,7 +187,9 @@ std::optional<std::int64_t> opusFrames(Bytes packet) {
     if (code == 0) return length;
     if (code < 3) return 2 * length;
     if (packet.size() < 2) return std::nullopt;
-    return (packet[1] & 0x3F) * length;
+    constexpr std::int64_t longest = 5'760;  // section 3.4, R5
+    const std::int64_t frames = (packet[1] & 0x3F) * length;
+    return frames > 0 && frames <= longest ? std::optional(frames) : std::nullopt;
 }
 
 std::optional<FlacHead> flacHead(Bytes frame) {

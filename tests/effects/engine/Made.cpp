@@ -47,3 +47,20 @@ Sound noise(int rate, int channels, double seconds, double level, unsigned seed)
 void extend(Sound& sound, const Sound& more) {
     sound.samples.insert(sound.samples.end(), more.samples.begin(), more.samples.end());
 }
+
+void edit(const std::filesystem::path& file,
+          const std::function<void(effects::AudioEditor&)>& change) {
+    effects::AudioEditor editor;
+    editor.Load(platform::toQString(file));
+    change(editor);
+    editor.Save(platform::toQString(file), false, 0);
+}
+
+void runProgram(const char* command, const std::filesystem::path& first,
+                const std::filesystem::path& second) {
+    QStringList words = QString::fromLatin1(command).split(u' ');
+    words.replaceInStrings(u"%1"_s, platform::toQString(first));
+    words.replaceInStrings(u"%2"_s, platform::toQString(second));
+    const auto outcome = support::run(words.front(), words.mid(1));
+    ASSERT_EQ(outcome.exitCode, 0) << outcome.err.toStdString();
+}

@@ -3,11 +3,9 @@
 // length is exact. And what stands beside the sound of Ogg FLAC.
 #include <array>
 #include <cmath>
-#include <functional>
 
 #include <gtest/gtest.h>
 
-#include "effects/engine/AudioEditor.h"
 #include "platform/Paths.h"
 #include "tests/effects/engine/Made.h"
 #include "tests/support/Fixtures.h"
@@ -41,20 +39,7 @@ struct Maker {
 void make(const Maker& maker, const Sound& sound, const fs::path& file) {
     const fs::path wav = file.string() + ".wav";
     makeFile(wav, sound, {u"-c:a"_s, u"pcm_s16le"_s});
-    QStringList words = QString::fromLatin1(maker.command).split(u' ');
-    for (QString& word : words) {
-        if (word == u"%1"_s) word = platform::toQString(wav);
-        if (word == u"%2"_s) word = platform::toQString(file);
-    }
-    const auto outcome = support::run(words.front(), words.mid(1));
-    ASSERT_EQ(outcome.exitCode, 0) << outcome.err.toStdString();
-}
-
-void edit(const fs::path& file, const std::function<void(AudioEditor&)>& what) {
-    AudioEditor editor;
-    editor.Load(platform::toQString(file));
-    what(editor);
-    editor.Save(platform::toQString(file), false, 0);
+    runProgram(maker.command, wav, file);
 }
 
 std::int64_t framesOfOggdec(const fs::path& file, int channels) {
