@@ -68,6 +68,10 @@ QJsonObject detailsOf(const audio::edit::SaveReport& report) {
     QJsonObject details{{u"saved"_s, nameOf(report.method)},
                         {u"frames"_s, static_cast<qint64>(report.frames)},
                         {u"newFrames"_s, static_cast<qint64>(report.renderedFrames)}};
+    if (report.packets > 0) {
+        details[u"packets"_s] = static_cast<qint64>(report.packets);
+        details[u"newPackets"_s] = static_cast<qint64>(report.newPackets);
+    }
     if (!report.note.empty()) details[u"note"_s] = QString::fromStdString(report.note);
     if (!report.notice.empty()) details[u"notice"_s] = QString::fromStdString(report.notice);
     return details;

@@ -42,7 +42,11 @@ struct SaveJob {
 enum class SaveMethod {
     Copied,   ///< nothing was touched: the sound's bytes are the source's
     Pcm,      ///< untouched samples copied, touched ones written
+<<<<<<< HEAD
     Spliced,  ///< touched MPEG frames, Opus or AAC packets encoded, the others copied
+=======
+    Spliced,  ///< touched MPEG frames or Vorbis packets encoded, the others copied
+>>>>>>> 0ca9832 (Carry untouched Ogg Vorbis packets over and encode only what an edit touches)
     Encoded,  ///< all of the sound encoded
 };
 
@@ -50,6 +54,8 @@ struct SaveReport {
     SaveMethod method = SaveMethod::Encoded;
     std::int64_t frames = 0;          ///< in the file that was written
     std::int64_t renderedFrames = 0;  ///< how many of them are not copies of the source's
+    std::int64_t packets = 0;         ///< of Vorbis, where they were joined
+    std::int64_t newPackets = 0;      ///< how many of them are not the source's
     bool overSource = false;          ///< the file that was loaded is the one that was replaced
     bool verified = false;            ///< it has been opened again already
     platform::file::Stamp written;    ///< of the file that now lies at the target

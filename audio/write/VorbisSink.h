@@ -2,9 +2,9 @@
 #pragma once
 
 #include <cstdint>
-#include <ogg/ogg.h>
 #include <vector>
 
+#include "audio/ogg/PageWriter.h"
 #include "audio/vorbis/VorbisChunks.h"
 #include "audio/write/OutputFile.h"
 #include "audio/write/Sink.h"
@@ -30,22 +30,11 @@ class VorbisSink : public Encoder::Sink {
   private:
     void writeHeaders(const EncoderOptions& options);
     void put(const vorbis::VorbisPacket& packet);
-    void putPacket(std::vector<std::uint8_t> bytes, std::int64_t granule, bool last);
-    void putPages(bool flush);
-
-    struct Stream {
-        explicit Stream(int serial);
-        ~Stream();
-        Stream(const Stream&) = delete;
-        Stream& operator=(const Stream&) = delete;
-        ogg_stream_state state{};
-    };
 
     OutputFile output_;
     std::size_t channels_;
-    std::int64_t frames_ = 0;   // written
-    std::int64_t packets_ = 0;  // put into pages
-    Stream stream_;
+    std::int64_t frames_ = 0;  // written
+    ogg::PageWriter pages_;
     vorbis::VorbisChunks chunks_;
 };
 
