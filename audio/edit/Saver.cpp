@@ -140,11 +140,8 @@ SaveReport write(const SaveJob& job, platform::file::Replacement& file, Work& wo
     const bool unchanged = job.sameFormat() && job.keepTags && job.list.isAllOf(*job.source);
     if (unchanged) return writeCopy(job, file, work);
     if (isMpeg(job.output)) return writeVerified(writeMpeg, job, file, work);
-<<<<<<< HEAD
     if (joinsPackets(job)) return writeVerified(writePackets, job, file, work);
-=======
     if (job.output.codec == Codec::Vorbis) return writeVerified(writeVorbis, job, file, work);
->>>>>>> 0ca9832 (Carry untouched Ogg Vorbis packets over and encode only what an edit touches)
     return writeEncoded(job, file, work);
 }
 

@@ -42,11 +42,7 @@ struct SaveJob {
 enum class SaveMethod {
     Copied,   ///< nothing was touched: the sound's bytes are the source's
     Pcm,      ///< untouched samples copied, touched ones written
-<<<<<<< HEAD
-    Spliced,  ///< touched MPEG frames, Opus or AAC packets encoded, the others copied
-=======
-    Spliced,  ///< touched MPEG frames or Vorbis packets encoded, the others copied
->>>>>>> 0ca9832 (Carry untouched Ogg Vorbis packets over and encode only what an edit touches)
+    Spliced,  ///< touched MPEG frames, Vorbis, Opus or AAC packets encoded, the others copied
     Encoded,  ///< all of the sound encoded
 };
 

@@ -17,7 +17,6 @@ SaveReport writeCopy(const SaveJob& job, platform::file::Replacement& file, Work
 /// Where frames cannot be joined, and for sound from other formats, all of it is encoded.
 SaveReport writeMpeg(const SaveJob& job, platform::file::Replacement& file, Work& work);
 
-<<<<<<< HEAD
 /// Whether the job is one for writePackets(): Opus in Ogg or AAC in MP4 that stays what it is.
 bool joinsPackets(const SaveJob& job);
 
@@ -25,11 +24,10 @@ bool joinsPackets(const SaveJob& job);
 /// compared with what was meant. Where packets cannot be joined, all of Opus is encoded, and AAC is
 /// refused: a whole file through another encoder would lose more than the edit is worth.
 SaveReport writePackets(const SaveJob& job, platform::file::Replacement& file, Work& work);
-=======
+
 /// Ogg Vorbis: packets that no edit touched are carried over, the others encoded, and the result
 /// compared with what was meant. Where packets cannot be joined, all of it is encoded.
 SaveReport writeVorbis(const SaveJob& job, platform::file::Replacement& file, Work& work);
->>>>>>> 0ca9832 (Carry untouched Ogg Vorbis packets over and encode only what an edit touches)
 
 /// Any other format: PCM of the source's own kind is copied where it is untouched; everything else
 /// is rendered and encoded.
