@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include <cstdint>
 #include <exception>
 #include <filesystem>
+#include <limits>
 #include <optional>
 #include <span>
 #include <vector>
-
-#include <QFile>
 
 #include "app/modules/modPath.h"
 #include "handoff/FileCommands.h"
@@ -16,6 +16,7 @@
 #include "platform/Paths.h"
 #include "platform/ResumeNext.h"
 #include "platform/file/Move.h"
+#include "platform/file/ReadWhole.h"
 #include "platform/file/Replacement.h"
 #include "ports/Boxes.h"
 #include "ports/EventPump.h"
@@ -47,12 +48,10 @@ bool isRenamingWanted(ports::Boxes& boxes, const QString& path) {
 }
 
 QByteArray readWhole(const QString& path) {
-    QFile file(path);
-    if (file.open(QIODevice::ReadOnly)) {
-        const QByteArray bytes = file.readAll();
-        if (file.error() == QFile::NoError) return bytes;
-    }
-    throw platform::Error(file.errorString().toStdString());
+    constexpr auto most = std::numeric_limits<std::int32_t>::max();
+    std::error_code reason;
+    if (auto bytes = platform::file::readWhole(platform::toPath(path), most, reason)) return *bytes;
+    throw platform::Error(reason.message());
 }
 
 /// The scratch file is about to be overwritten.

@@ -6,11 +6,12 @@
 #include <optional>
 
 #include <QDir>
-#include <QFile>
-#include <QFileInfo>
 
 #include "lists/ListText.h"
+#include "platform/AbsolutePath.h"
 #include "platform/Error.h"
+#include "platform/Paths.h"
+#include "platform/file/ReadWhole.h"
 
 namespace lists {
 namespace {
@@ -174,6 +175,10 @@ std::vector<ListedEntry> parseM3u(const Lines& list) {
     return entries;
 }
 
+QString folderOf(const QString& file) {
+    return platform::toQString(platform::toPath(platform::absolutePath(file)).parent_path());
+}
+
 }  // namespace
 
 std::vector<ListedEntry> readList(const QByteArray& bytes, const QString& folder,
@@ -206,17 +211,13 @@ std::vector<ListedEntry> readListFile(const QString& path) {
         return platform::Error("The playlist \"" + path.toStdString() +
                                "\" cannot be read: " + reason + ".");
     };
-    const QFileInfo info(path);
-    if (!info.exists()) throw fail("there is no such file");
-    if (!info.isFile()) throw fail("it is not a file");
-    if (info.size() > kMaxBytes) throw fail("it is too large to be a playlist");
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) throw fail(file.errorString().toStdString());
-    const QByteArray bytes = file.read(kMaxBytes + 1);
-    if (file.error() != QFileDevice::NoError) throw fail(file.errorString().toStdString());
-    if (bytes.size() > kMaxBytes) throw fail("it is too large to be a playlist");
+    std::error_code error;
+    const auto bytes = platform::file::readWhole(platform::toPath(path), kMaxBytes, error);
+    if (error == std::errc::no_such_file_or_directory) throw fail("there is no such file");
+    if (error == std::errc::file_too_large) throw fail("it is too large to be a playlist");
+    if (!bytes) throw fail(error.message());
     try {
-        return readList(bytes, info.absolutePath(), isFile);
+        return readList(*bytes, folderOf(path), isFile);
     } catch (const platform::Error& reason) {
         throw fail(reason.what());
     }

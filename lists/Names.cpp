@@ -2,7 +2,6 @@
 #include "lists/Names.h"
 
 #include <algorithm>
-#include <filesystem>
 
 #include <QDir>
 #include <QFileInfo>
@@ -11,6 +10,7 @@
 
 #include "platform/NameBytes.h"
 #include "platform/Paths.h"
+#include "platform/file/Regular.h"
 
 namespace lists {
 namespace {
@@ -86,8 +86,7 @@ QString likeliest(const QString& name) {
 }  // namespace
 
 bool isFile(const QString& path) {
-    std::error_code unreadable;
-    return std::filesystem::is_regular_file(platform::toPath(path), unreadable);
+    return platform::file::isRegular(platform::toPath(path));
 }
 
 bool namesAudio(const QString& line) {

@@ -11,7 +11,9 @@
 #include <QLocale>
 
 #include "lists/ListReader.h"
+#include "platform/AbsolutePath.h"
 #include "platform/Paths.h"
+#include "platform/file/Regular.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -74,15 +76,18 @@ void appendList(const QString& path, DroppedFiles& sorted) {
 }
 
 void append(const QString& path, DroppedFiles& sorted, const std::stop_token& stop) {
-    std::error_code error;
-    const fs::file_status status = fs::status(platform::toPath(path), error);
-    if (fs::is_directory(status))
-        appendFolder(platform::toPath(path), sorted.files, stop);
-    else if (isList(path) && fs::exists(status))
-        appendList(path, sorted);
-    else if (!fs::exists(status))
+    const fs::path file = platform::toPath(path);
+    const std::error_code reason = platform::file::reasonAgainst(file);
+    std::error_code unknown;
+    if (reason == platform::file::notRegular() && fs::is_directory(file, unknown))
+        appendFolder(file, sorted.files, stop);
+    else if (reason == platform::file::notRegular())
+        sorted.refused += u"This is not a regular file: %1"_s.arg(path);
+    else if (reason)
         sorted.refused += u"There is no such file: %1"_s.arg(path);
-    else if (fs::is_regular_file(status) && lists::namesAudio(path))
+    else if (isList(path))
+        appendList(path, sorted);
+    else if (lists::namesAudio(path))
         sorted.files += path;
     else
         sorted.refused += u"This is no sound file: %1"_s.arg(path);
@@ -93,8 +98,7 @@ void append(const QString& path, DroppedFiles& sorted, const std::stop_token& st
 DroppedFiles sortOut(const QStringList& paths, const std::stop_token& stop) {
     DroppedFiles sorted;
     QStringList absolute;
-    for (const QString& path : paths)
-        absolute += QDir::toNativeSeparators(QFileInfo(path).absoluteFilePath());
+    for (const QString& path : paths) absolute += platform::absolutePath(path);
     const auto isListFile = [](const QString& path) { return isList(path) && lists::isFile(path); };
     if (!absolute.isEmpty() && std::all_of(absolute.begin(), absolute.end(), isListFile))
         sorted.list = absolute.takeFirst();

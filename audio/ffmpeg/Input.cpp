@@ -4,7 +4,8 @@
 #include <algorithm>
 #include <array>
 
-#include "audio/FileError.h"
+#include "audio/RequireFile.h"
+#include "platform/NameBytes.h"
 
 namespace audio::ffmpeg {
 namespace {
@@ -18,7 +19,8 @@ constexpr const char* allowedFormats =
 constexpr int mostBadPackets = 64;  // one after another, before the file counts as ended
 
 std::string address(const std::filesystem::path& file, FilePart part) {
-    const std::string name = "file:" + platform::toUtf8(file);
+    const std::string name =
+        "file:" + platform::toNameBytes(platform::toQString(file)).toStdString();
     if (part.end <= part.begin) return name;
     return "subfile,,start," + std::to_string(part.begin) + ",end," + std::to_string(part.end) +
            ",,:" + name;
@@ -27,10 +29,7 @@ std::string address(const std::filesystem::path& file, FilePart part) {
 /// Opens a container without looking into its packets.
 InputPtr openContainer(const std::filesystem::path& file, FilePart part) {
     silenceFfmpeg();
-    std::error_code failure;
-    const std::filesystem::file_status status = std::filesystem::status(file, failure);
-    if (!std::filesystem::exists(status)) throw fileError(file, "does not exist");
-    if (!std::filesystem::is_regular_file(status)) throw fileError(file, "is no file");
+    requireFile(file);
 
     AVDictionary* options = nullptr;
     av_dict_set(&options, "protocol_whitelist", part.end > part.begin ? "file,subfile" : "file", 0);

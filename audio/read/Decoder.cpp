@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "audio/Limits.h"
+#include "audio/RequireFile.h"
 #include "audio/ogg/Links.h"
 #include "audio/read/ChainSource.h"
 #include "audio/read/MpegSource.h"
@@ -14,11 +15,9 @@
 namespace audio::read {
 namespace {
 
-void requireFile(const std::filesystem::path& file) {
+void requireContent(const std::filesystem::path& file) {
+    requireFile(file);
     std::error_code failure;
-    const std::filesystem::file_status status = std::filesystem::status(file, failure);
-    if (!std::filesystem::exists(status)) throw fileError(file, "does not exist");
-    if (!std::filesystem::is_regular_file(status)) throw fileError(file, "is no file");
     const std::uintmax_t size = std::filesystem::file_size(file, failure);
     if (!failure && size == 0) throw fileError(file, "is empty");
 }
@@ -36,7 +35,7 @@ bool isMpegAudio(const std::filesystem::path& file) {
 }
 
 std::unique_ptr<Decoder::Source> openSource(const std::filesystem::path& file) {
-    requireFile(file);
+    requireContent(file);
     if (wave::looksLikeWave(file)) {
         const wave::Layout layout = wave::readLayout(file);
         if (layout.format.sampleType()) return std::make_unique<WaveSource>(file, layout);

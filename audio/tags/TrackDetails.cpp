@@ -3,13 +3,13 @@
 
 #include <algorithm>
 #include <exception>
-#include <system_error>
 
 #include <taglib/fileref.h>
 #include <taglib/tag.h>
 #include <taglib/tpropertymap.h>
 
 #include "audio/tags/Pictures.h"
+#include "platform/file/Regular.h"
 
 namespace audio::tags {
 namespace {
@@ -30,8 +30,7 @@ void takeArt(TagLib::File& file, TrackDetails& details) {
 
 TrackDetails readTrackDetails(const std::filesystem::path& path) noexcept {
     try {
-        std::error_code error;
-        if (!std::filesystem::is_regular_file(path, error)) return {};
+        if (!platform::file::isRegular(path)) return {};
         const TagLib::FileRef file(path.c_str(), false);
         if (file.isNull() || !file.tag()) return {};
         TrackDetails details;

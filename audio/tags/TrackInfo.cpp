@@ -6,7 +6,6 @@
 #include <exception>
 #include <set>
 #include <string>
-#include <system_error>
 
 #include <taglib/asffile.h>
 #include <taglib/fileref.h>
@@ -20,6 +19,7 @@
 #include "audio/tags/Durations.h"
 #include "audio/tags/Id3v2Title.h"
 #include "platform/Error.h"
+#include "platform/file/Regular.h"
 
 namespace audio::tags {
 namespace {
@@ -89,8 +89,7 @@ std::int64_t decodersEstimate(const std::filesystem::path& path) {
 
 TrackInfo readTrackInfo(const std::filesystem::path& path) noexcept {
     try {
-        std::error_code error;
-        if (!std::filesystem::is_regular_file(path, error)) return {};
+        if (!platform::file::isRegular(path)) return {};
         if (isNamedMpeg(path)) return mpegInfo(path);
         TrackInfo info;
         const TagLib::FileRef file(path.c_str());

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <exception>
-#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -39,14 +38,7 @@ Row rowOf(const QString& path, int number) {
 // What keeps the entry from being played; empty where nothing does. A file whose duration could be
 // read is not opened for it.
 QString reasonAgainst(const QString& path, const Row& row) {
-    namespace fs = std::filesystem;
     if (lists::isUrl(path) || !row.duration.isEmpty()) return {};
-    std::error_code error;
-    const fs::file_status status = fs::status(platform::toPath(path), error);
-    if (status.type() == fs::file_type::not_found) return path + u" is missing."_s;
-    if (fs::is_directory(status)) return path + u" is a folder, no sound file."_s;
-    if (fs::exists(status) && !fs::is_regular_file(status))
-        return path + u" is no ordinary file."_s;
     try {
         const audio::read::Decoder decoder(platform::toPath(path));
         return {};

@@ -8,6 +8,7 @@
 #include "platform/Paths.h"
 #include "platform/SystemError.h"
 #include "platform/file/File.h"
+#include "platform/file/Regular.h"
 
 namespace fs = std::filesystem;
 
@@ -17,16 +18,13 @@ namespace {
 /// Refuses what would fail, or do harm, at the end of a long copy.
 void check(const std::string& what, const fs::path& source, const fs::path& target,
            Existing existing) {
-    std::error_code reason;
-    const fs::file_status from = fs::status(source, reason);
-    if (!fs::exists(from)) throw systemError(what, reason);
-    if (!fs::is_regular_file(from)) throw Error(what + ": the source is not a file.");
-    const fs::file_status to = fs::status(target, reason);
-    if (to.type() == fs::file_type::not_found) return;
-    if (!fs::exists(to)) throw systemError(what, reason);
+    if (const std::error_code reason = reasonAgainst(source)) throw systemError(what, reason);
+    const std::error_code there = reasonAgainst(target);
+    if (there == std::errc::no_such_file_or_directory) return;
+    if (there && there != notRegular()) throw systemError(what, there);
     if (isSameFile(source, target)) throw Error(what + ": both are the same file.");
     if (existing == Existing::Refuse) throw Error(what + ": a file of that name exists.");
-    if (!fs::is_regular_file(to)) throw Error(what + ": the target is not a file.");
+    if (there) throw Error(what + ": the target is not a regular file.");
     if (!isWritable(target)) throw Error(what + ": the target is read-only.");
 }
 

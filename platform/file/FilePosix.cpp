@@ -10,6 +10,7 @@
 
 #include "platform/SystemError.h"
 #include "platform/file/File.h"
+#include "platform/file/Regular.h"
 
 namespace platform::file {
 namespace {
@@ -41,6 +42,9 @@ bool hold(int file, const std::filesystem::path& path) {
 
 bool File::openForReading(const std::filesystem::path& path, std::error_code& error) {
     close();
+    // Asked first: opening a pipe waits for its other end.
+    error = reasonAgainst(path);
+    if (error) return false;
     handle_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     return handle_ >= 0 || failed(error);
 }
@@ -57,6 +61,9 @@ bool File::createNew(const std::filesystem::path& path, std::error_code& error) 
 
 bool File::openForWriting(const std::filesystem::path& path, std::error_code& error) {
     close();
+    error = reasonAgainst(path);
+    if (error == notRegular()) return false;
+    error.clear();
     handle_ = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
     return handle_ >= 0 || failed(error);
 }

@@ -10,6 +10,7 @@
 
 #include "platform/SystemError.h"
 #include "platform/file/File.h"
+#include "platform/file/Regular.h"
 
 namespace platform::file {
 namespace {
@@ -116,6 +117,8 @@ bool replaceExisting(const std::filesystem::path& from, const std::filesystem::p
 
 bool File::openForReading(const std::filesystem::path& path, std::error_code& error) {
     close();
+    error = reasonAgainst(path);
+    if (error) return false;
     handle_ = open(path, GENERIC_READ, OPEN_EXISTING);
     return handle_ != -1 || failed(error);
 }
@@ -128,6 +131,9 @@ bool File::createNew(const std::filesystem::path& path, std::error_code& error) 
 
 bool File::openForWriting(const std::filesystem::path& path, std::error_code& error) {
     close();
+    error = reasonAgainst(path);
+    if (error == notRegular()) return false;
+    error.clear();
     handle_ = open(path, GENERIC_READ | GENERIC_WRITE, CREATE_ALWAYS);
     return handle_ != -1 || failed(error);
 }

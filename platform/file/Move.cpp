@@ -7,6 +7,7 @@
 #include "platform/SystemError.h"
 #include "platform/file/Copy.h"
 #include "platform/file/File.h"
+#include "platform/file/Regular.h"
 
 #ifdef Q_OS_WIN
 #include <windows.h>
@@ -21,7 +22,9 @@ namespace fs = std::filesystem;
 namespace platform::file {
 
 void rename(const fs::path& from, const fs::path& to) {
-    if (const std::error_code reason = tryRename(from, to))
+    std::error_code reason = reasonAgainst(from);
+    if (reason != notRegular()) reason = tryRename(from, to);
+    if (reason)
         throw systemError("“" + toUtf8(from) + "” could not be renamed to “" + toUtf8(to) + "”",
                           reason);
 }

@@ -9,7 +9,8 @@ namespace platform::file {
 /// Gives a file a new name on the same file system and never replaces what already has that name.
 /// A change of letter case alone works on file systems that do not tell cases apart. Any thread.
 /// Throws Error, with both names as they were, where the new name exists, cannot be held by the
-/// file system or lies on another one, or the old one is missing.
+/// file system or lies on another one, or the old one is missing or no regular file (a folder, a
+/// pipe).
 void rename(const std::filesystem::path& from, const std::filesystem::path& to);
 
 /// The same, returning the system's reason (none = done).

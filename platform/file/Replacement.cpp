@@ -7,6 +7,7 @@
 #include "platform/Paths.h"
 #include "platform/SystemError.h"
 #include "platform/file/File.h"
+#include "platform/file/Regular.h"
 #include "platform/file/Temporary.h"
 
 namespace platform::file {
@@ -38,9 +39,8 @@ class Replacement::Impl {
   public:
     explicit Impl(const fs::path& path) : target(resolved(path)) {
         std::error_code error;
-        const fs::file_status status = fs::status(target, error);
-        existed = fs::exists(status);
-        if (existed && !fs::is_regular_file(status)) fail("it is not an ordinary file");
+        existed = fs::exists(target, error);
+        if (reasonAgainst(target) == notRegular()) fail(notRegular().message());
         if (existed && !isWritable(target)) fail("it is write-protected");
         if (!temporary.create(target.parent_path(), target.extension(), error))
             fail("no file can be created in its folder (" + error.message() + ")");

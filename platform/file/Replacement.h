@@ -21,7 +21,7 @@ namespace platform::file {
 class Replacement {
   public:
     /// Creates the empty temporary. Throws where the folder does not allow that, where the target
-    /// is no ordinary file, or where it is write-protected.
+    /// is no regular file, or where it is write-protected.
     explicit Replacement(const std::filesystem::path& target);
     ~Replacement();
     Replacement(const Replacement&) = delete;

@@ -77,7 +77,7 @@ TEST(CliShow, NamesWhatIsMissing) {
     TempFolder folder;
     const Outcome outcome = cli({u"show"_s, folder.file(u"no.wav"_s), folder.file(u"no.m3u"_s)});
     EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_THAT(outcome.err.toStdString(), HasSubstr("no.wav is missing"));
+    EXPECT_THAT(outcome.err.toStdString(), HasSubstr("no.wav\" does not exist"));
     EXPECT_THAT(outcome.err.toStdString(), HasSubstr("no.m3u"));
 }
 
@@ -93,8 +93,8 @@ TEST(CliShow, TellsWhatCannotBePlayedAndListsItAllTheSame) {
     const QList<std::pair<QString, QString>> bad{{u"cut.ogg"_s, u"not a sound file"_s},
                                                  {u"words.wav"_s, u"not a sound file"_s},
                                                  {u"empty.mp3"_s, u"empty"_s},
-                                                 {u"x.mp3"_s, u"is a folder"_s},
-                                                 {u"pipe.mp3"_s, u"no ordinary file"_s}};
+                                                 {u"x.mp3"_s, u"not a regular file"_s},
+                                                 {u"pipe.mp3"_s, u"not a regular file"_s}};
     QStringList arguments{u"show"_s, good};
     for (const auto& [name, reason] : bad) arguments << folder.file(name);
     const Outcome outcome = cli(arguments);

@@ -53,7 +53,7 @@ class Awkward : public testing::Test {
 
 TEST_F(Awkward, WhatIsNoSoundIsRefusedByName) {
     EXPECT_NE(refusal(folder_ / "missing.mp3").find("does not exist"), std::string::npos);
-    EXPECT_NE(refusal(folder_.path()).find("is no file"), std::string::npos);
+    EXPECT_NE(refusal(folder_.path()).find("is not a regular file"), std::string::npos);
     EXPECT_NE(refusal(save("empty.mp3", {})).find("is empty"), std::string::npos);
     for (const char* name : {"text.mp3", "text.ogg", "text.txt", "text.wav"})
         EXPECT_NE(refusal(save(name, bytesOf("This is a letter and not a song.\n"))), "") << name;
@@ -66,8 +66,8 @@ TEST_F(Awkward, WhatIsNoSoundIsRefusedByName) {
 
 TEST_F(Awkward, APipeIsRefusedInsteadOfWaitedFor) {
     ASSERT_EQ(mkfifo((folder_ / "pipe.mp3").c_str(), 0600), 0);
-    EXPECT_NE(refusal(folder_ / "pipe.mp3").find("is no file"), std::string::npos);
-    EXPECT_NE(refusal("/dev/zero").find("is no file"), std::string::npos);
+    EXPECT_NE(refusal(folder_ / "pipe.mp3").find("is not a regular file"), std::string::npos);
+    EXPECT_NE(refusal("/dev/zero").find("is not a regular file"), std::string::npos);
 }
 
 TEST_F(Awkward, PlaylistsAndScriptsAreNeverFollowed) {
