@@ -2,6 +2,8 @@
 #include "cli/EffectRun.h"
 
 #include <exception>
+#include <filesystem>
+#include <system_error>
 
 #include <QDir>
 #include <QFileInfo>
@@ -13,6 +15,7 @@
 #include "cli/Report.h"
 #include "effects/engine/AudioEditor.h"
 #include "platform/Interrupt.h"
+#include "platform/Paths.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -23,6 +26,12 @@ struct Task {
     QString source;
     QString target;
 };
+
+bool isTaken(const QString& target) {
+    std::error_code unknown;
+    return std::filesystem::exists(
+        std::filesystem::symlink_status(platform::toPath(target), unknown));
+}
 
 // Where each file goes. What has no place to go to is reported and left out.
 std::vector<Task> tasksOf(const EffectRun& run, Report& report) {
@@ -38,7 +47,7 @@ std::vector<Task> tasksOf(const EffectRun& run, Report& report) {
         sources += source;
         const QString name = QFileInfo(source).fileName();
         const QString target = QDir::toNativeSeparators(QDir(run.outputFolder).filePath(name));
-        if (targets.contains(target) || QFileInfo::exists(target)) {
+        if (targets.contains(target) || isTaken(target)) {
             report.failed(
                 source, u"%1 is there already; %2 was not written over it."_s.arg(target, source));
             continue;

@@ -4,12 +4,13 @@
 #include <exception>
 #include <filesystem>
 
-#include <QDir>
 #include <QFileInfo>
 
 #include "cli/Report.h"
 #include "lists/ListReader.h"
+#include "platform/AbsolutePath.h"
 #include "platform/Paths.h"
+#include "platform/SystemError.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -21,17 +22,25 @@ bool isList(const QString& path) {
     return extensions.contains(QFileInfo(path).suffix(), Qt::CaseInsensitive);
 }
 
-QString absolute(const std::string& argument) {
-    const QString name = platform::toQString(std::filesystem::path(argument));
-    return QDir::toNativeSeparators(QFileInfo(name).absoluteFilePath());
+}  // namespace
+
+QString absolutePath(const std::string& typed) {
+    return platform::absolutePath(platform::toQString(std::filesystem::path(typed)));
 }
 
-}  // namespace
+QString madeFolder(const std::string& typed) {
+    if (typed.empty()) return {};
+    const QString folder = absolutePath(typed);
+    std::error_code reason;
+    std::filesystem::create_directories(platform::toPath(folder), reason);
+    if (reason) throw platform::systemError("The folder " + typed + " cannot be made", reason);
+    return folder;
+}
 
 QStringList namedFiles(const std::vector<std::string>& arguments, Report& report) {
     QStringList files;
     for (const std::string& argument : arguments) {
-        const QString path = absolute(argument);
+        const QString path = absolutePath(argument);
         if (!isList(path)) {
             files += path;
             continue;

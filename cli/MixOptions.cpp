@@ -2,13 +2,9 @@
 #include "cli/MixOptions.h"
 
 #include <CLI/CLI.hpp>
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
 
 #include "cli/Inputs.h"
 #include "cli/Seconds.h"
-#include "platform/Error.h"
 #include "platform/Paths.h"
 #include "wizard/OutputFormat.h"
 
@@ -18,11 +14,9 @@ namespace cli {
 namespace {
 
 QString folderWithSeparator(const std::string& name) {
-    const QString folder = QFileInfo(QFile::decodeName(name.c_str())).absoluteFilePath();
-    if (!QDir().mkpath(folder)) throw platform::Error("The folder " + name + " cannot be made.");
-    const QString native = QDir::toNativeSeparators(folder);
+    const QString folder = madeFolder(name);
     const QChar separator = platform::nativeSeparator();
-    return native.endsWith(separator) ? native : native + separator;
+    return folder.endsWith(separator) ? folder : folder + separator;
 }
 
 std::set<int> numbersIn(const QStringList& bitTexts) {

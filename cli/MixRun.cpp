@@ -3,7 +3,6 @@
 
 #include <set>
 
-#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonObject>
 
@@ -11,6 +10,7 @@
 #include "cli/Report.h"
 #include "effects/engine/AudioEditor.h"
 #include "lists/ListWriter.h"
+#include "lists/Names.h"
 #include "wizard/Naming.h"
 #include "wizard/RunView.h"
 #include "wizard/Session.h"
@@ -46,7 +46,7 @@ class MixReport : public wizard::RunView, public ReportBar {
         QStringList tracks;
         for (qsizetype index = 0; index < results.size(); ++index) {
             reportDone(index);
-            if (QFileInfo::exists(results[index])) tracks += results[index];
+            if (lists::isFile(results[index])) tracks += results[index];
         }
         QJsonObject fields{{u"mix"_s, QJsonArray::fromStringList(tracks)}};
         if (!run_.burnList.isEmpty()) {

@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <QJsonDocument>
 
+#include "platform/NameBytes.h"
 #include "platform/Terminal.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -103,7 +104,7 @@ std::size_t Report::failures() const {
 
 void Report::write(std::ostream& stream, const QString& text) {
     clearBar();
-    stream << printable(text).toLocal8Bit().constData() << '\n' << std::flush;
+    stream << platform::toNameBytes(printable(text)).constData() << '\n' << std::flush;
     drawBar();
 }
 

@@ -7,6 +7,7 @@
 #include <QFileInfo>
 
 #include "audio/tags/TrackInfo.h"
+#include "cli/Inputs.h"
 #include "cli/Invocation.h"
 #include "cli/commands/Commands.h"
 #include "lists/ListReader.h"
@@ -49,8 +50,8 @@ QByteArray written(std::vector<lists::ListedEntry> entries, bool asPls) {
 }
 
 void convertList(const ConvertArguments& arguments, Invocation& invocation) {
-    const QString from = QFileInfo(QString::fromStdString(arguments.from)).absoluteFilePath();
-    const QString to = QFileInfo(QString::fromStdString(arguments.to)).absoluteFilePath();
+    const QString from = absolutePath(arguments.from);
+    const QString to = absolutePath(arguments.to);
     const bool asPls = extensionOf(arguments.to) == u"pls"_s;
     lists::replaceListFile(to, written(lists::readListFile(from), asPls));
     invocation.report().done(from, to);

@@ -4,10 +4,9 @@
 #include <string>
 
 #include <CLI/CLI.hpp>
-#include <QDir>
-#include <QFileInfo>
 
 #include "cli/CommandPorts.h"
+#include "cli/Inputs.h"
 #include "cli/Invocation.h"
 #include "cli/commands/Commands.h"
 #include "handoff/CopyFiles.h"
@@ -29,10 +28,10 @@ struct CopyArguments {
 
 /// What each copy's name follows: the folder as typed, or with a separator at its end.
 QString targetOf(const CopyArguments& arguments) {
-    const QString typed = QString::fromStdString(arguments.folder);
-    const QString folder = handoff::pickedFolder(QFileInfo(typed).absoluteFilePath());
+    const QString typed = absolutePath(arguments.folder);
+    const QString folder = handoff::pickedFolder(typed);
     const bool separated = folder.endsWith(platform::nativeSeparator());
-    const bool wanted = !arguments.player || QDir::fromNativeSeparators(typed).endsWith(u'/');
+    const bool wanted = !arguments.player || typed.endsWith(platform::nativeSeparator());
     return wanted && !separated ? folder + platform::nativeSeparator() : folder;
 }
 
@@ -104,7 +103,7 @@ void refuseOwnFolder(const QString& copied, const QString& target) {
 }
 
 void copy(const CopyArguments& arguments, Invocation& invocation) {
-    const QString copied = QString::fromStdString(arguments.list);
+    const QString copied = absolutePath(arguments.list);
     const QStringList files = pathsOf(copied);
     const QString target = targetOf(arguments);
     if (!arguments.player) refuseOwnFolder(copied, target);

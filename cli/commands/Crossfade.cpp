@@ -3,10 +3,8 @@
 #include <string>
 
 #include <CLI/CLI.hpp>
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
 
+#include "cli/Inputs.h"
 #include "cli/Invocation.h"
 #include "cli/MixOptions.h"
 #include "cli/Seconds.h"
@@ -21,17 +19,12 @@ struct CrossfadeOptions {
     std::string burnList;
 };
 
-QString absolute(const std::string& name) {
-    if (name.empty()) return {};
-    return QDir::toNativeSeparators(QFileInfo(QFile::decodeName(name.c_str())).absoluteFilePath());
-}
-
 void crossfade(const CrossfadeOptions& options, Invocation& invocation) {
     Report& report = invocation.report();
     MixRun run = options.mix.toRun(report);
     run.options.crossFade = true;
     run.overlapMs = toMilliseconds(options.overlap);
-    run.burnList = absolute(options.burnList);
+    if (!options.burnList.empty()) run.burnList = absolutePath(options.burnList);
     runMix(run, report);
 }
 

@@ -6,16 +6,12 @@
 #include <vector>
 
 #include <CLI/CLI.hpp>
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
 
 #include "cli/EffectRun.h"
 #include "cli/Inputs.h"
 #include "cli/Invocation.h"
 #include "cli/Seconds.h"
 #include "cli/commands/Commands.h"
-#include "platform/Error.h"
 
 namespace cli {
 namespace {
@@ -104,20 +100,13 @@ const char* descriptionOf(EffectId id) {
     return "";
 }
 
-QString existingFolder(const std::string& name) {
-    if (name.empty()) return {};
-    const QString folder = QFileInfo(QFile::decodeName(name.c_str())).absoluteFilePath();
-    if (!QDir().mkpath(folder)) throw platform::Error("The folder " + name + " cannot be made.");
-    return folder;
-}
-
 void run(const Effect& effect, Options& options, Invocation& invocation) {
     Report& report = invocation.report();
     EffectRun run;
     run.effect = &effect;
     run.settings = options.settings;
     run.settings.fadeMs = toMilliseconds(options.seconds);
-    run.outputFolder = existingFolder(options.output);
+    run.outputFolder = madeFolder(options.output);
     run.jobs = options.jobs;
     run.files = namedFiles(options.arguments, report);
     applyEffect(run, report);

@@ -7,14 +7,13 @@
 #include <exception>
 #include <utility>
 
-#include <QDir>
-#include <QFileInfo>
 #include <QTimer>
 
 #include "audio/dsp/Spectrum.h"
 #include "audio/output/OutputKeeper.h"
 #include "audio/output/SdlOutput.h"
 #include "lists/ListReader.h"
+#include "platform/AbsolutePath.h"
 #include "platform/Error.h"
 #include "player/engine/Mixer.h"
 #include "player/engine/PeaksReader.h"
@@ -42,11 +41,6 @@ OpenSound localOnly(OpenSound open) {
             throw platform::Error("\"" + path.toStdString() + "\" is no local file.");
         return open(path);
     };
-}
-
-/// A path as entries have it.
-QString nativeFile(const QString& path) {
-    return QDir::toNativeSeparators(QFileInfo(path).absoluteFilePath());
 }
 
 EngineParts usualParts() {
@@ -228,7 +222,7 @@ void PlayerEngine::InitEngine(std::int16_t, std::intptr_t, std::int16_t, std::in
 }
 
 void PlayerEngine::LoadSound(std::int16_t player, const QString& path) {
-    if (isPlayer(player)) impl_->transport(player).loadSound(nativeFile(path));
+    if (isPlayer(player)) impl_->transport(player).loadSound(platform::absolutePath(path));
 }
 
 void PlayerEngine::PlaySound(std::int16_t player) {
@@ -407,11 +401,11 @@ bool PlayerEngine::Spectrum(std::int16_t player, std::span<float> bands) const {
 }
 
 void PlayerEngine::ReleaseFile(const QString& path) {
-    impl_->release(nativeFile(path));
+    impl_->release(platform::absolutePath(path));
 }
 
 void PlayerEngine::AcquireFile(const QString& path) {
-    impl_->acquire(nativeFile(path));
+    impl_->acquire(platform::absolutePath(path));
 }
 
 bool PlayerEngine::IsReady(std::size_t frames) const {

@@ -3,13 +3,13 @@
 
 #include <chrono>
 
-#include <QDir>
 #include <QElapsedTimer>
-#include <QFileInfo>
 
 #include "lists/ListReader.h"
 #include "lists/ListWriter.h"
+#include "platform/AbsolutePath.h"
 #include "platform/Error.h"
+#include "platform/Paths.h"
 #include "player/engine/PlayerEngine.h"
 
 namespace player {
@@ -30,7 +30,7 @@ platform::Error tooMany() {
 
 QString entryPath(const QString& path) {
     if (lists::isUrl(path) || lists::isWindowsPath(path)) return path;
-    return QDir::toNativeSeparators(QFileInfo(path).absoluteFilePath());
+    return platform::absolutePath(path);
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The commands transform and crossfade, as a shell runs them.
+#include <QFileInfo>
 #include <gmock/gmock.h>
 
 #include "platform/Paths.h"
@@ -7,6 +8,7 @@
 #include "tests/support/Fixtures.h"
 #include "tests/support/Sound.h"
 #include "tests/support/TempFolder.h"
+#include "tests/wizard/MixArithmetic.h"
 
 using namespace Qt::Literals::StringLiterals;
 using support::Outcome;
@@ -41,6 +43,28 @@ TEST_F(Mix, TransformWritesEveryFileInTheChosenFormat) {
     const auto sound = support::decodeWithFfmpeg(folder / "new/folder/tone.mp3");
     EXPECT_EQ(sound.rate, 48000);
     EXPECT_EQ(sound.channels, 1);
+}
+
+TEST_F(Mix, WhateverTheLengthsEverySampleOfEveryTrackIsHeardOnceInOrder) {
+    support::RandomMixes mixes;
+    mixes.rounds = 4;
+    mixes.run(folder.file(u"random/"_s), [this](const QStringList& tracks, int overlapMs,
+                                                const QString& out) {
+        QStringList arguments{u"transform"_s, u"--target"_s, out};
+        if (overlapMs > 0)
+            arguments = {u"crossfade"_s, u"--target"_s, out, u"--overlap"_s,
+                         QString::number(overlapMs / 1000.0)};
+        const QByteArray said = cli(arguments + tracks).out;
+        QStringList results;
+        qsizetype broken = 0;
+        for (const QString& track : tracks) {
+            broken += QFile(track).size() < 100;
+            results += out + QFileInfo(track).fileName();
+        }
+        const std::string failed = broken > 0 ? std::to_string(broken) + " failed." : "done.";
+        EXPECT_THAT(said.toStdString(), HasSubstr(failed));
+        return results;
+    });
 }
 
 TEST_F(Mix, CrossfadeOverlapsAListAndWritesTheBurnList) {

@@ -12,6 +12,7 @@
 #include "tests/handoff/Companion.h"
 #include "tests/support/Fixtures.h"
 #include "tests/support/Sound.h"
+#include "tests/wizard/MixArithmetic.h"
 #include "tests/wizard/WizardWindow.h"
 #include "widgets/LevelBar.h"
 
@@ -224,6 +225,28 @@ TEST_F(WizardRun, NoLeavesHeadFilesAndChangedTracksAndTheWindowOpen) {
               (QStringList{out(u"music.wav"_s), out(u"music (2).wav"_s), out(u"music.fwav"_s)}));
     EXPECT_TRUE(QFile::exists(out(u"2_music.fwav"_s)));
     EXPECT_FALSE(QFile::exists(handoff::burnListFile()));
+}
+
+TEST_F(WizardRun, WhateverTheLengthsEverySampleOfEveryTrackIsHeardOnceInOrder) {
+    support::RandomMixes mixes;
+    mixes.rounds = 4;
+    mixes.longest = 12;
+    mixes.overlaps = {5000, 10000};
+    mixes.run(folder.file(u"random/"_s),
+              [this](const QStringList& tracks, int overlapMs, const QString& target) {
+                  window->handOver(tracks);
+                  setTarget(target);
+                  const bool mix = overlapMs > 0;
+                  if (mix != control<QCheckBox>("Check23").isChecked()) tick(23);
+                  if (mix) {
+                      choose("Combo5", u"%1 secs crossfade"_s.arg(overlapMs / 1000));
+                      press("Button10");
+                  }
+                  answerMessageBox(mix ? QMessageBox::No : QMessageBox::Ok);
+                  press("Button7");
+                  EXPECT_TRUE(support::allAnswered());
+                  return lines("List1");
+              });
 }
 
 TEST_F(WizardRun, YesWritesTheBurnListClosesAndStartsTheCompanion) {
