@@ -38,7 +38,8 @@ bool copyWhileYielding(const QString& source, const QString& target,
     const std::unique_ptr<QThread> worker(QThread::create([&] {
         try {
             platform::file::copy(platform::toPath(source), platform::toPath(target),
-                                 platform::file::Existing::Replace, tell);
+                                 platform::file::Existing::Replace, tell,
+                                 platform::file::Sync::Now);
         } catch (...) {
             failure = std::current_exception();
         }

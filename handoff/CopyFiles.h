@@ -23,7 +23,8 @@ using Copied = std::function<void(int entry)>;
 /// each on a worker thread while this thread handles its events. The bar counts files, its fraction
 /// is that of the file in hand. Returns false where nobody waits for the end any more: the file in
 /// hand is completed then, unless the whole program ends. Throws platform::Error at the first file
-/// that cannot be copied; what has been copied stays.
+/// that cannot be copied; what has been copied stays. Each copy and its name are on the device
+/// before the next one is begun, so that a player may be unplugged when it returns.
 bool copyFiles(const ports::Ports& ports, const QString& target, const Copied& copied = {});
 
 /// The same into a folder (ending in a separator), with a list of the bare names beside the copies.
