@@ -38,6 +38,8 @@ class Material {
     Material& operator=(const Material&) = delete;
 
     virtual std::int64_t frames() const = 0;
+    /// How many bits an integer needs to hold any of its samples as it is; 0 where none does.
+    virtual int integerBits() const { return 0; }
     /// Whether a reader gets to any frame without rendering all that lies before it, so that
     /// several readers can share the work.
     virtual bool seeksFast() const { return false; }

@@ -15,21 +15,13 @@ namespace {
 
 constexpr std::size_t mostBlockFrames = 16384;
 
-/// The bits of a sample's integers; 0 where it has none. PCM has room for whole bytes.
-int integerBits(const Format& format) {
-    if (format.sampleType == pcm::SampleType::F32 || format.sampleType == pcm::SampleType::F64)
-        return 0;
-    if (format.codec != Codec::Pcm) return format.bitsPerSample;
-    return 8 * static_cast<int>(pcm::bytesPerSample(format.sampleType));
-}
-
-/// Whether every sample of the source has its like in the output, so that untouched sound comes
-/// through as it is: integers of no more bits at the same rate, in as many channels or doubled.
-bool holdsAllOf(const Format& source, const Format& output) {
+/// Whether every sample of this sound has its like in the output, so that it comes through as it
+/// is: integers of no more bits at the same rate, in as many channels or doubled.
+bool holdsAllOf(const Material& sound, Shape shape, const Format& output) {
     const bool sameFrames =
-        source.sampleRate == output.sampleRate &&
-        (source.channels == output.channels || (source.channels == 1 && output.channels == 2));
-    const int bits = integerBits(source);
+        shape.sampleRate == output.sampleRate &&
+        (shape.channels == output.channels || (shape.channels == 1 && output.channels == 2));
+    const int bits = sound.integerBits();
     return sameFrames && bits > 0 && bits <= integerBits(output);
 }
 
@@ -41,7 +33,7 @@ SoundFeed::SoundFeed(const SaveJob& job, write::Encoder& encoder, Work& work)
       work_(work),
       copiesPcm_(job.output.codec == Codec::Pcm && job.sameFormat()),
       converts_(job.list.shape() != Shape{job.output.sampleRate, job.output.channels}),
-      keepsSamples_(holdsAllOf(job.source->format(), job.output)),
+      keepsSamples_(holdsAllOf(*job.source, job.list.shape(), job.output)),
       bits_(integerBits(job.output)) {}
 
 std::int64_t SoundFeed::run() {
@@ -62,19 +54,26 @@ std::int64_t SoundFeed::run() {
 std::vector<SoundFeed::Run> SoundFeed::runs() const {
     const bool lossless = job_.output.bitsPerSample > 0;
     if (job_.list.frames() == 0) return {};
-    if ((converts_ && !keepsSamples_) || !lossless) return {{{0, job_.list.frames()}, false, 0}};
+    if ((converts_ && !keepsSamples_) || !lossless) return {{{0, job_.list.frames()}}};
     std::vector<Run> runs;
     std::int64_t position = 0;
     for (const Segment& segment : job_.list.segments()) {
         const FrameRange range{position, position + segment.frames};
         const bool untouched = segment.untouched(*job_.source);
+        const bool asItIs = keepsSamplesOf(segment);
         position = range.end;
-        if (!untouched && !runs.empty() && !runs.back().untouched)
+        if (!untouched && !runs.empty() && !runs.back().untouched && runs.back().asItIs == asItIs)
             runs.back().range.end = range.end;
         else
-            runs.push_back({range, untouched, segment.start});
+            runs.push_back({range, untouched, asItIs, segment.start});
     }
     return runs;
+}
+
+/// Sound of the source, or of another file that was put beside it.
+bool SoundFeed::keepsSamplesOf(const Segment& segment) const {
+    return segment.gains.empty() && segment.material &&
+           holdsAllOf(*segment.material, job_.list.shape(), job_.output);
 }
 
 void SoundFeed::copyPcm(const Run& run) {
@@ -89,8 +88,7 @@ void SoundFeed::render(const Run& run) {
     std::unique_ptr<FrameReader> reader = std::make_unique<EditReader>(job_.list.slice(run.range));
     if (converts_) reader = std::make_unique<ResampledReader>(std::move(reader), from, to);
     ReadAhead ahead(std::move(reader), to.channels);
-    const bool asItIs = run.untouched && keepsSamples_;
-    const bool dithered = bits_ > 0 && bits_ <= 16 && !asItIs;
+    const bool dithered = bits_ > 0 && bits_ <= 16 && !run.asItIs;
     const std::size_t blockFrames = pcm::blockFrames(mostBlockFrames, to.channels);
     std::vector<float> block(blockFrames * static_cast<std::size_t>(to.channels));
     std::int64_t counted = 0;

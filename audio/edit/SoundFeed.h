@@ -26,10 +26,12 @@ class SoundFeed {
     /// Neighbouring segments that are treated alike.
     struct Run {
         FrameRange range;
-        bool untouched = false;
+        bool untouched = false;  ///< of the source
+        bool asItIs = false;     ///< its samples have their like in the output
         std::int64_t sourceStart = 0;
     };
     std::vector<Run> runs() const;
+    bool keepsSamplesOf(const Segment& segment) const;
     void copyPcm(const Run& run);
     void render(const Run& run);
     void store(std::span<float> interleaved, bool dithered);

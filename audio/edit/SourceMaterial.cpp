@@ -30,6 +30,13 @@ class SourceReader : public FrameReader {
 
 }  // namespace
 
+int integerBits(const Format& format) {
+    if (format.sampleType == pcm::SampleType::F32 || format.sampleType == pcm::SampleType::F64)
+        return 0;
+    if (format.codec != Codec::Pcm) return format.bitsPerSample;
+    return 8 * static_cast<int>(pcm::bytesPerSample(format.sampleType));
+}
+
 SourceMaterial::SourceMaterial(const std::filesystem::path& file)
     : stamp_(platform::file::Stamp::of(file)) {
     std::error_code ignored;

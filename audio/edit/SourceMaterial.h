@@ -12,6 +12,9 @@
 
 namespace audio::edit {
 
+/// The bits of a format's integers; 0 where it has none. PCM has room for whole bytes.
+int integerBits(const Format& format);
+
 /// The sound of a file on disk, at its own rate and channels. The file must stay as it was when it
 /// was opened: a reader opened after it has changed throws.
 class SourceMaterial : public Material {
@@ -22,6 +25,7 @@ class SourceMaterial : public Material {
     ~SourceMaterial() override;
 
     std::int64_t frames() const override { return frames_; }
+    int integerBits() const override { return edit::integerBits(format_); }
     bool seeksFast() const override { return format_.container != Container::Other; }
     std::unique_ptr<FrameReader> open() const override;
     void closeFiles() const override;

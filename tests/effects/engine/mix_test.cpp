@@ -98,6 +98,25 @@ TEST_F(Mix, ARangeThatBeginsWithinTheSoundMakesItNoLonger) {
     expectMix({.sound = 9000, .file = 1000, .start = 5000});
 }
 
+// Only where both are heard has anything been computed that dither is for.
+TEST_F(Mix, WhatIsAppendedToSixteenBitsComesThroughBitForBit) {
+    const QStringList wav{u"-c:a"_s, u"pcm_s16le"_s};
+    makeFile(folder / "sound.wav", noise(8000, 2, 0.5, 0.4, 1), wav);
+    makeFile(folder / "file.wav", noise(8000, 2, 1.25, 0.4, 2), wav);
+    const Sound file = support::decodeWithFfmpeg(folder / "file.wav");
+    effects::AudioEditor editor;
+    editor.Load(folder.file(u"sound.wav"_s));
+    editor.SetSelectionActive(true);
+    editor.SetSelectionStart(-2000);
+    editor.SetSelectionEnd(editor.GetLength());
+    editor.MixFile(folder.file(u"file.wav"_s), 100, 100);
+    editor.Save(folder.file(u"sound.wav"_s), false, 0);
+    const Sound mixed = support::decodeWithFfmpeg(folder / "sound.wav");
+    ASSERT_EQ(mixed.frames(), file.frames());
+    EXPECT_EQ(mixed.part(4000, 6000).samples, file.part(4000, 6000).samples);
+    EXPECT_NE(mixed.part(0, 4000).samples, file.part(0, 4000).samples);
+}
+
 TEST_F(Mix, EverySampleOfRandomLengthsIsHeardOnce) {
     std::mt19937 random(14);
     for (int round = 0; round < 12; ++round) {
