@@ -25,6 +25,8 @@ bool CrossFadeRounds::run() {
 void CrossFadeRounds::cutHeads() {
     ports_.bar.setStatus(texts::StatusFirstRound.toString());
     ports_.view.showResults();
+    const QStringList results = session_.List1.stringList();
+    results_ = {results.begin(), results.end()};
     Settings& settings = session_.settings;
     if (settings.crossfade_value == 0) settings.crossfade_value = DefaultOverlapMs;
     editor_.CloseSound();
@@ -103,9 +105,7 @@ int CrossFadeRounds::nextSounding(int index) const {
 }
 
 QString CrossFadeRounds::headOf(int index) const {
-    const QStringList results = session_.List1.stringList();
-    const QString head = headFile(ports_.view.options().targetPath, index, results.value(index));
-    return freePath(head, {results.begin(), results.end()});
+    return freePath(headFile(ports_.view.options().targetPath, index, result(index)), results_);
 }
 
 QString CrossFadeRounds::result(int index) const {

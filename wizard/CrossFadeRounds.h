@@ -3,6 +3,8 @@
 
 #include <set>
 
+#include <QSet>
+
 #include "effects/engine/Editor.h"
 #include "wizard/RunView.h"
 #include "wizard/Session.h"
@@ -50,7 +52,8 @@ class CrossFadeRounds {
     effects::Editor& editor_;
     Session& session_;
     RunPorts ports_;
-    std::set<int> cut_;  ///< entries whose head lies in its file and no longer in their track
+    QSet<QString> results_;  ///< whose names no head file may take
+    std::set<int> cut_;      ///< entries whose head lies in its file and no longer in their track
 };
 
 }  // namespace wizard

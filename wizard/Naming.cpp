@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "wizard/Naming.h"
 
+#include <algorithm>
+
 #include "platform/Paths.h"
 #include "wizard/OutputFormat.h"
 
@@ -18,12 +20,12 @@ QString outputPath(const Options& options, const QString& stem) {
     return options.targetPath + stem + fileEnding(options.format);
 }
 
-QString freePath(const QString& path, const QSet<QString>& taken) {
+QString freePath(const QString& path, const QSet<QString>& taken, int first) {
     const qsizetype name = path.size() - bareName(path).size();
     const qsizetype dot = path.lastIndexOf(u'.');
     const qsizetype end = dot < name ? path.size() : dot;
     QString free = path;
-    for (int number = 2; taken.contains(free); ++number)
+    for (int number = first; taken.contains(free); ++number)
         free = path.first(end) + QStringLiteral(" (%1)").arg(number) + path.sliced(end);
     return free;
 }
@@ -36,7 +38,9 @@ QString ResultPaths::next(const QString& file, const Options& options, QString& 
     // A prefix keeps the name of the file before, and is itself never used.
     if (options.hasPrefix) return outputPath(options, name);
     name = outputStem(file);
-    const QString path = freePath(outputPath(options, name), taken_);
+    const QString wanted = outputPath(options, name);
+    const int before = asked_[wanted]++;
+    const QString path = freePath(wanted, taken_, std::max(2, before + 1));
     taken_.insert(path);
     return path;
 }

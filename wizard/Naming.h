@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QHash>
 #include <QSet>
 #include <QString>
 #include <QStringList>
@@ -20,8 +21,8 @@ QString outputStem(const QString& path);
 QString outputPath(const Options& options, const QString& stem);
 
 /// The path as it is, or with the first free " (2)", " (3)" ... before its extension where one of
-/// `taken` bears that name already.
-QString freePath(const QString& path, const QSet<QString>& taken);
+/// `taken` bears that name already. Of the numbers, those below `first` are known to be taken.
+QString freePath(const QString& path, const QSet<QString>& taken, int first = 2);
 
 /// Where the head of entry `index` is kept: target + "2_Song.wav" for entry 2.
 QString headFile(const QString& targetPath, int index, const QString& entryPath);
@@ -37,6 +38,7 @@ class ResultPaths {
 
   private:
     QSet<QString> taken_;
+    QHash<QString, int> asked_;  ///< how often a path was wanted
 };
 
 }  // namespace wizard

@@ -45,6 +45,7 @@ void TransformationPass::transformAll() {
     editor_.CloseSound();
     session_.List1.setStringList({});
     session_.sounding.clear();
+    written_.clear();
     paths_ = {};
     ports_.bar.setMaximum(session_.lstFiles.rowCount());
 
@@ -69,8 +70,9 @@ void TransformationPass::keepResult(bool written) {
     const int row = session_.List1.rowCount();
     append(session_.List1, outputPath_);
     if (!written) return;
-    const QStringList results = session_.List1.stringList();
-    std::erase_if(session_.sounding, [&](int other) { return results[other] == outputPath_; });
+    if (const auto earlier = written_.constFind(outputPath_); earlier != written_.constEnd())
+        session_.sounding.erase(*earlier);
+    written_.insert(outputPath_, row);
     session_.sounding.insert(row);
 }
 

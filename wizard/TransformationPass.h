@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include <QHash>
 #include <QString>
 
 #include "effects/engine/Editor.h"
@@ -49,7 +50,8 @@ class TransformationPass {
     Session& session_;
     RunPorts ports_;
     ResultPaths paths_;
-    QString outputPath_;  ///< the last one built, which a file of no format repeats
+    QHash<QString, int> written_;  ///< by path, the row of List1 that holds what lies there
+    QString outputPath_;           ///< the last one built, which a file of no format repeats
 };
 
 }  // namespace wizard

@@ -51,7 +51,6 @@ MixPreview::MixPreview(QWidget* parent)
 void MixPreview::show(const QStringList& paths, const Shape& shape) {
     paths_ = paths;
     shape_ = shape;
-    scanner_.want(paths);
     refreshSoon();
 }
 
@@ -79,7 +78,9 @@ void MixPreview::refreshSoon() {
     if (!soon_.isActive()) soon_.start(pause);
 }
 
+// Here and not at every change: thousands of files may be added one by one.
 void MixPreview::refresh() {
+    scanner_.want(paths_);
     std::vector<double> lengths;
     std::vector<TimelineView::Track> tracks;
     for (const QString& path : paths_) {
