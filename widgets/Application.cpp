@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "widgets/Application.h"
 
+#include <QSettings>
+
 #include "platform/Program.h"
 #include "widgets/Dispatch.h"
 #include "widgets/MsgBox.h"
@@ -17,6 +19,9 @@ Application::Application(int& argc, char** argv) : QApplication(argc, argv) {
     setApplicationName(platform::programName());
     setDesktopFileName(platform::programName());
     setApplicationVersion(platform::programVersion());
+    // Qt's file dialogs keep their size and their history in a file of the user's that is no
+    // business of ours (QtProject.conf): here they have it for as long as the program runs.
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings_.path());
 }
 
 QString Application::title() {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QApplication>
+#include <QTemporaryDir>
 
 namespace widgets {
 
@@ -18,6 +19,9 @@ class Application : public QApplication {
     static QString title();
 
     bool notify(QObject* receiver, QEvent* event) override;
+
+  private:
+    QTemporaryDir settings_;  // of Qt's own dialogs; gone with the program
 };
 
 }  // namespace widgets

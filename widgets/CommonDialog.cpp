@@ -13,15 +13,13 @@
 namespace widgets {
 namespace {
 
+/// One filter: its text, to the letter, and the patterns "*.a *.b".
 struct NameFilter {
-    QString shown;     // as Qt takes it: "description (*.a *.b)"
-    QString patterns;  // "*.a *.b"
+    QString shown;
+    QString patterns;
+    /// As Qt takes it; the dialog leaves the last brackets out where it shows it.
+    QString forQt() const { return shown + QLatin1Char('(') + patterns + QLatin1Char(')'); }
 };
-
-QString withoutPatterns(QString description) {
-    const qsizetype open = description.lastIndexOf(QLatin1Char('('));
-    return (open > 0 ? description.left(open) : description).trimmed();
-}
 
 QList<NameFilter> parseFilter(const QString& filter) {
     const QStringList parts = filter.split(QLatin1Char('|'), Qt::SkipEmptyParts);
@@ -31,9 +29,7 @@ QList<NameFilter> parseFilter(const QString& filter) {
         patterns.replace(QLatin1Char(';'), QLatin1Char(' '));
         // "*.*" means every file, also one without a dot.
         if (patterns == QStringLiteral("*.*")) patterns = QStringLiteral("*");
-        filters.append(
-            {withoutPatterns(parts[i]) + QStringLiteral(" (") + patterns + QLatin1Char(')'),
-             patterns});
+        filters.append({parts[i], patterns});
     }
     return filters;
 }
@@ -43,10 +39,10 @@ QString suffixOf(const NameFilter& filter) {
     return first.startsWith(QStringLiteral("*.")) ? first.mid(2) : QString();
 }
 
-QStringList shownFilters(const QList<NameFilter>& filters) {
-    QStringList shown;
-    for (const NameFilter& filter : filters) shown.append(filter.shown);
-    return shown;
+QStringList filtersForQt(const QList<NameFilter>& filters) {
+    QStringList texts;
+    for (const NameFilter& filter : filters) texts.append(filter.forQt());
+    return texts;
 }
 
 }  // namespace
@@ -67,16 +63,20 @@ void CommonDialog::show(bool save) {
     dialog.setFileMode(save               ? QFileDialog::AnyFile
                        : AllowMultiSelect ? QFileDialog::ExistingFiles
                                           : QFileDialog::ExistingFile);
-    dialog.setNameFilters(shownFilters(filters));
-    const auto applySuffix = [&dialog, &filters, save](const QString& shown) {
+    dialog.setOption(QFileDialog::HideNameFilterDetails);
+    dialog.setNameFilters(filtersForQt(filters));
+    // Told of a choice by the text that is shown, or by all of it where the system shows the
+    // dialog.
+    const auto applySuffix = [&dialog, &filters, save](const QString& chosen) {
         for (const NameFilter& filter : filters) {
-            if (save && filter.shown == shown) dialog.setDefaultSuffix(suffixOf(filter));
+            if (save && (chosen == filter.shown || chosen == filter.forQt()))
+                dialog.setDefaultSuffix(suffixOf(filter));
         }
     };
     connect(&dialog, &QFileDialog::filterSelected, &dialog, guarded(applySuffix));
     if (!filters.isEmpty()) {
         const qsizetype index = std::clamp<qsizetype>(FilterIndex - 1, 0, filters.size() - 1);
-        dialog.selectNameFilter(filters[index].shown);
+        dialog.selectNameFilter(filters[index].forQt());
         applySuffix(filters[index].shown);
     }
     if (!FileName.isEmpty()) dialog.selectFile(FileName);
@@ -89,7 +89,7 @@ void CommonDialog::show(bool save) {
         }
     }
     FileName = FileNames.isEmpty() ? QString() : FileNames.constFirst();
-    FilterIndex = static_cast<int>(shownFilters(filters).indexOf(dialog.selectedNameFilter())) + 1;
+    FilterIndex = static_cast<int>(filtersForQt(filters).indexOf(dialog.selectedNameFilter())) + 1;
     if (accepted) folder_ = dialog.directory().absolutePath();
 }
 

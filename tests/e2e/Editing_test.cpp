@@ -24,8 +24,14 @@ TEST_F(Editing, AddingToAnEmptyList) {
     EXPECT_TRUE(list().hasFocus());
     EXPECT_EQ(text("Label7"), u"Playlist loaded: New list not yet saved."_s);
     EXPECT_EQ(list().rowText(1), u"1"_s);
-    EXPECT_EQ(seen->filters.size(), 6);
-    EXPECT_EQ(seen->selectedFilter, u"All Supported Files (*.mp3 *.mp2 *.wav *.ogg *.wma)"_s);
+    const QStringList filters{u"All Supported Files(*.mp3;*.mp2;*.wav;*.ogg;*.wma)"_s,
+                              u"MP3 and MP2 sounds (*.mp3;*.mp2)"_s,
+                              u"WAV sounds (*.wav)"_s,
+                              u"OGG Vorbis sounds (*.ogg)"_s,
+                              u"Windows Media sounds (*.wma)"_s,
+                              u"All files (*.*)"_s};
+    EXPECT_EQ(seen->filters, filters);
+    EXPECT_EQ(seen->selectedFilter, filters.first());
     EXPECT_EQ(seen->fileName, QString());
 }
 

@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include <filesystem>
 #include <fstream>
+
+#include <QStandardPaths>
 
 #include "tests/support/MainWindow.h"
 
@@ -94,9 +97,9 @@ TEST_F(Files, LoadOffersTheListFormats) {
     press("CommandLoad1");
     EXPECT_TRUE(allAnswered());
     EXPECT_EQ(seen->filters,
-              QStringList({u"Playlist formats (*.m3u *.pls)"_s, u"M3U PlayList (*.m3u)"_s,
-                           u"PLS PlayList (*.pls)"_s, u"All files (*)"_s}));
-    EXPECT_EQ(seen->selectedFilter, u"Playlist formats (*.m3u *.pls)"_s);
+              QStringList({u"Playlist formats (*.m3u;*.pls)"_s, u"M3U PlayList (*.m3u)"_s,
+                           u"PLS PlayList (*.pls)"_s, u"All files (*.*)"_s}));
+    EXPECT_EQ(seen->selectedFilter, u"Playlist formats (*.m3u;*.pls)"_s);
 }
 
 TEST_F(Files, WhatIsNoPlaylistIsRefusedAndTheOldListStays) {
@@ -116,6 +119,15 @@ TEST_F(Files, WhatIsNoPlaylistIsRefusedAndTheOldListStays) {
         EXPECT_EQ(text("Label7"), caption);
         EXPECT_EQ(titles(), QStringList({u"1.mp3"_s, u"2.mp3"_s}));
     }
+}
+
+TEST_F(Files, TheDialogsLeaveNothingAmongTheUsersSettings) {
+    addSongs(1);
+    save(folder.file(u"kept.m3u"_s));
+    load(folder.file(u"kept.m3u"_s));
+    const auto settings = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
+    EXPECT_FALSE(settings.isEmpty());
+    EXPECT_FALSE(std::filesystem::exists(platform::toPath(settings + u"/QtProject.conf"_s)));
 }
 
 TEST_F(Files, ACancelledLoadChangesNothing) {

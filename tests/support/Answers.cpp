@@ -130,8 +130,11 @@ std::shared_ptr<const SeenFileDialog> onFileDialog(const QString& path, int filt
         auto* dialog = qobject_cast<QFileDialog*>(modal);
         if (!dialog) return false;
         const auto* field = dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
-        *seen = {true, dialog->windowTitle(), dialog->nameFilters(), dialog->selectedNameFilter(),
-                 field ? field->text() : QString()};
+        *seen = {true, dialog->windowTitle(), {}, {}, field ? field->text() : QString()};
+        if (const auto* filters = dialog->findChild<QComboBox*>(QStringLiteral("fileTypeCombo"))) {
+            for (int i = 0; i < filters->count(); ++i) seen->filters += filters->itemText(i);
+            seen->selectedFilter = filters->currentText();
+        }
         if (!accept) return pressStandard(dialog, QDialogButtonBox::Cancel);
         if (filter > 0) chooseFilter(dialog, filter);
         return acceptFileDialog(dialog, path);

@@ -34,7 +34,7 @@ struct SeenInput {
 struct SeenFileDialog {
     bool shown = false;
     QString title;
-    QStringList filters;     ///< as shown, "description (*.a *.b)"
+    QStringList filters;     ///< as they stand on the screen
     QString selectedFilter;  ///< the one preselected
     QString fileName;        ///< what stood in the name field
 };

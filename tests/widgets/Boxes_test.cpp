@@ -150,8 +150,8 @@ TEST_F(Dialogs, OpenReturnsTheFileAndTheFilter) {
     EXPECT_EQ(dialog.FileName, file);
     EXPECT_EQ(dialog.FilterIndex, 2);
     EXPECT_EQ(seen->title, u"Pick"_s);
-    EXPECT_EQ(seen->filters, QStringList({u"Two (*.mp3 *.wav)"_s, u"All files (*)"_s}));
-    EXPECT_EQ(seen->selectedFilter, u"Two (*.mp3 *.wav)"_s);
+    EXPECT_EQ(seen->filters, QStringList({u"Two (*.mp3;*.wav)"_s, u"All files (*.*)"_s}));
+    EXPECT_EQ(seen->selectedFilter, u"Two (*.mp3;*.wav)"_s);
 }
 
 TEST_F(Dialogs, CancelLeavesNoFileName) {
