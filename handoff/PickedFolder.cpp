@@ -11,7 +11,8 @@ namespace handoff {
 QString pickedFolder(const QString& path) {
     if (path.isEmpty()) return {};
     const QString clean = QDir::cleanPath(path);
-    const bool isDriveRoot = QStorageInfo(clean).rootPath() == QFileInfo(clean).canonicalFilePath();
+    const QString root = QStorageInfo(clean).rootPath();  // none of a name that is no UTF-8
+    const bool isDriveRoot = !root.isEmpty() && root == QFileInfo(clean).canonicalFilePath();
     const QString native = QDir::toNativeSeparators(clean);
     return isDriveRoot && !native.endsWith(platform::nativeSeparator())
                ? native + platform::nativeSeparator()

@@ -61,12 +61,12 @@ TEST_F(Names, ArePlayedAndChanged) {
 
 TEST_F(Names, AreInSavedListsAndLoadAgain) {
     open(file);
-    for (const int filter : {1, 2}) {
-        saveAndLoad(folder.file(u"kept%1"_s.arg(filter)), filter);
+    for (const QString& name : {u"kept.m3u"_s, u"kept.pls"_s}) {
+        saveAndLoad(folder.file(name), name.endsWith(u"pls"_s) ? 2 : 1);
         ASSERT_EQ(list().rowCount(), 1);
         EXPECT_EQ(entry(0), file);
     }
-    EXPECT_EQ(readFile(folder / "kept1.m3u"), file.string() + "\r\n");
+    EXPECT_EQ(readFile(folder / "kept.m3u"), file.string() + "\r\n");
 }
 
 TEST_F(Names, AreCopied) {
