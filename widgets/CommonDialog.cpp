@@ -19,6 +19,8 @@ struct NameFilter {
     QString patterns;
     /// As Qt takes it; the dialog leaves the last brackets out where it shows it.
     QString forQt() const { return shown + QLatin1Char('(') + patterns + QLatin1Char(')'); }
+    /// Whether the dialog means this one: it tells a choice by what it shows, or by all of it.
+    bool isMeant(const QString& chosen) const { return chosen == shown || chosen == forQt(); }
 };
 
 QList<NameFilter> parseFilter(const QString& filter) {
@@ -45,6 +47,13 @@ QStringList filtersForQt(const QList<NameFilter>& filters) {
     return texts;
 }
 
+/// Counted from 1; 0 where the dialog shows none.
+int numberOf(const QString& chosen, const QList<NameFilter>& filters) {
+    for (qsizetype i = 0; i < filters.size(); ++i)
+        if (filters[i].isMeant(chosen)) return static_cast<int>(i) + 1;
+    return 0;
+}
+
 }  // namespace
 
 void CommonDialog::ShowOpen() {
@@ -65,12 +74,9 @@ void CommonDialog::show(bool save) {
                                           : QFileDialog::ExistingFile);
     dialog.setOption(QFileDialog::HideNameFilterDetails);
     dialog.setNameFilters(filtersForQt(filters));
-    // Told of a choice by the text that is shown, or by all of it where the system shows the
-    // dialog.
     const auto applySuffix = [&dialog, &filters, save](const QString& chosen) {
         for (const NameFilter& filter : filters) {
-            if (save && (chosen == filter.shown || chosen == filter.forQt()))
-                dialog.setDefaultSuffix(suffixOf(filter));
+            if (save && filter.isMeant(chosen)) dialog.setDefaultSuffix(suffixOf(filter));
         }
     };
     connect(&dialog, &QFileDialog::filterSelected, &dialog, guarded(applySuffix));
@@ -89,7 +95,7 @@ void CommonDialog::show(bool save) {
         }
     }
     FileName = FileNames.isEmpty() ? QString() : FileNames.constFirst();
-    FilterIndex = static_cast<int>(filtersForQt(filters).indexOf(dialog.selectedNameFilter())) + 1;
+    FilterIndex = numberOf(dialog.selectedNameFilter(), filters);
     if (accepted) folder_ = dialog.directory().absolutePath();
 }
 

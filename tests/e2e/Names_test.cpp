@@ -108,6 +108,7 @@ TEST_F(Names, OfPipesAndDevicesAreListedAndNeverOpened) {
     ASSERT_EQ(list().rowCount(), static_cast<int>(all.size()));
     press("CommandPlay1");
     EXPECT_TRUE(waitFor([&] { return engine().GetPlayerStatus(0) == player::StatusStopped; }));
+    press("CommandStop1");
     select({1, 2, 3, 4});
     choose("mnuSilence2Frt");
     apply(dialog("frmEffects"));

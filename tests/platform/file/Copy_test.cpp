@@ -101,12 +101,12 @@ TEST_F(FileCopy, AnErrorNamesBothFilesAndTheReason) {
 TEST_F(FileCopy, RefusesWhatIsNotAFile) {
     ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
     EXPECT_THAT(errorOf([&] { platform::file::copy(folder / "pipe", folder / "copy.mp3"); }),
-                HasSubstr("not a file"));
+                HasSubstr("not a regular file"));
     EXPECT_THAT(errorOf([&] { platform::file::copy(folder.path(), folder / "copy.mp3"); }),
-                HasSubstr("not a file"));
+                HasSubstr("not a regular file"));
     fs::create_directory(folder / "copy.mp3");
     EXPECT_THAT(errorOf([&] { platform::file::copy(source("x"), folder / "copy.mp3"); }),
-                HasSubstr("not a file"));
+                HasSubstr("not a regular file"));
 }
 
 TEST_F(FileCopy, RefusesANameTheFileSystemCannotHold) {

@@ -8,6 +8,7 @@
 
 #include "platform/file/Move.h"
 #include "tests/platform/file/FileTools.h"
+#include "tests/support/Irregular.h"
 #include "tests/support/TempFolder.h"
 
 namespace fs = std::filesystem;
@@ -24,6 +25,15 @@ class FileMove : public testing::Test {
 };
 
 }  // namespace
+
+TEST_F(FileMove, RefusesWhatIsNoRegularFile) {
+    for (const fs::path& one : support::makeIrregular(folder.path(), ".wav")) {
+        EXPECT_THAT(errorOf([&] { platform::file::rename(one, folder / "new.wav"); }),
+                    HasSubstr("not a regular file"));
+        EXPECT_TRUE(fs::exists(fs::symlink_status(one)));
+    }
+    EXPECT_FALSE(fs::exists(folder / "new.wav"));
+}
 
 TEST_F(FileMove, GivesTheNewName) {
     platform::file::rename(folder / "old.mp3", folder / "new.mp3");
