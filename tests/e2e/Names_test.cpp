@@ -20,7 +20,7 @@ namespace {
 struct Names : EffectsWindow {
     const fs::path file = scratchCopy("tone.wav", folder.path(), "caf\xE9.wav");
 
-    void open(const fs::path& path) { window->openPaths({platform::toQString(path)}); }
+    void open(const fs::path& path) { MainWindow::open({platform::toQString(path)}); }
 
     /// Through a name that every program can be given.
     std::size_t framesOf(const fs::path& path) {
@@ -36,6 +36,7 @@ struct Names : EffectsWindow {
         answerFileDialog(list);
         press("CommandLoad1");
         ASSERT_TRUE(allAnswered());
+        ASSERT_TRUE(waitForDisk(*window));
     }
     fs::path entry(std::int16_t index) {
         return platform::toPath(engine().PlaylistGetItemInfo(0, index, player::ItemInfoPath));
@@ -76,6 +77,7 @@ TEST_F(Names, AreCopied) {
     answerMessageBox(QMessageBox::Ok);
     chooseFromMenu(*window, "Button1", "mnu_copy2folder");
     ASSERT_TRUE(allAnswered());
+    ASSERT_TRUE(waitForDisk(*window));
     EXPECT_EQ(readFile(folder / "target/caf\xE9.wav"), readFile(file));
     ASSERT_EQ(list().rowCount(), 1);
     EXPECT_EQ(entry(0), folder / "target/caf\xE9.wav");
@@ -92,6 +94,7 @@ TEST_F(Names, AreRenamedAndStayWhereOthersAre) {
     answerMessageBox(QMessageBox::Ok);
     chooseFromMenu(*window, "Button1", "mnuRename");
     ASSERT_TRUE(allAnswered());
+    ASSERT_TRUE(waitForDisk(*window));
     EXPECT_FALSE(fs::exists(file));
     EXPECT_EQ(readFile(folder / "list.m3u"),
               (folder / "new.wav").string() + "\r\n" + other.string() + "\r\n");
