@@ -8,7 +8,7 @@
 
 #include <gmock/gmock.h>
 
-#include "handoff/CopyCommands.h"
+#include "handoff/FileCommands.h"
 #include "platform/Paths.h"
 #include "platform/file/FileId.h"
 #include "tests/handoff/FakeWindow.h"
