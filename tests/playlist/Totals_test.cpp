@@ -28,6 +28,15 @@ TEST(Totals, FortyFiveSecondsAreShownAsPartOfAMinute) {
     EXPECT_EQ(totals({u"0:45"_s}).durationText, u"Total Duration (mm.s): 0.8"_s);
 }
 
+// Also where a binary number has no exact half: 0.15 minutes lie a little below it.
+TEST(Totals, HalfATenthOfAMinuteIsRoundedUp) {
+    const std::pair<QString, QString> halves[] = {{u"0:03"_s, u"0.1"_s}, {u"0:09"_s, u"0.2"_s},
+                                                  {u"0:15"_s, u"0.3"_s}, {u"0:27"_s, u"0.5"_s},
+                                                  {u"1:57"_s, u"2.0"_s}, {u"0:14"_s, u"0.2"_s}};
+    for (const auto& [duration, shown] : halves)
+        EXPECT_EQ(totals({duration}).durationText, u"Total Duration (mm.s): "_s + shown);
+}
+
 TEST(Totals, SeventyEightMinutesFitAndOneSecondMoreDoesNot) {
     EXPECT_FALSE(totals({u"78:00"_s}).overCdLimit);
     EXPECT_TRUE(totals({u"78:00"_s, u"0:01"_s}).overCdLimit);
