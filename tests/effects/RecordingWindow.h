@@ -65,7 +65,10 @@ class RecordingWindow : public effects::RunControls,
     void setCommandsEnabled(bool enabled) override {
         log(enabled ? "enable commands" : "disable commands");
     }
-    void setFileName(const QString& path) override { name = path; }
+    void setFileName(const QString& path) override {
+        name = path;
+        engine.calls << QStringLiteral("file name [%1]").arg(path);
+    }
     QString fileName() const override { return name; }
     void replaceFile(const QString& path, const std::function<void()>& work) override {
         released << path;
