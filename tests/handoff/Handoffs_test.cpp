@@ -67,8 +67,11 @@ TEST_F(Handoffs, TheDiscWriterGetsBurnDat) {
 TEST_F(Handoffs, TheDiscWriterAsksOverSeventyEightMinutes) {
     minutes = 79;
     window.answer = false;
+    const fs::path workingFolder = platform::toPath(handoff::burnFile()).parent_path();
+    fs::remove_all(workingFolder);
     handoff::AudioCdDiscHandoff(window, window, minutes, 0);
     EXPECT_EQ(window.saved, QStringList());
+    EXPECT_FALSE(fs::exists(workingFolder)) << "the question comes before the folder";
     EXPECT_EQ(window.shown,
               QStringList{u"You are either over, or dangerously close, to the max data\r\n"
                           u"(normally 80 mins) allowed to write to an Audio CD disc.\r\n"
