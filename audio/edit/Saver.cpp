@@ -81,12 +81,15 @@ std::int64_t SaveJob::outputFrames() const {
 
 namespace {
 
-// What is wrong with a finished file, in words that follow "came out".
-std::string wrongWith(const Format& format, std::int64_t frames, const SaveJob& job,
+// What is wrong with a finished file, in words that follow "came out"; empty where nothing is.
+std::string wrongWith(const std::filesystem::path& written, const SaveJob& job,
                       const SaveReport& report) {
+    read::Decoder decoder(written);
+    const Format& format = decoder.format();
     if (format.sampleRate != job.output.sampleRate) return "with another sampling rate";
     if (format.channels != job.output.channels) return "with another number of channels";
-    const std::int64_t wrong = frames - report.frames;
+    const std::int64_t wrong = decoder.frames() - report.frames;
+    if (wrong == 0) return {};
     const std::int64_t ms = std::max<std::int64_t>(1, std::abs(wrong) * 1000 / format.sampleRate);
     return std::to_string(ms) + " ms too " + (wrong < 0 ? "short" : "long");
 }
@@ -95,16 +98,22 @@ void verifySound(const std::filesystem::path& written, const SaveJob& job,
                  const SaveReport& report) {
     job.source->requireUnchanged();
     if (report.verified) return;
-    read::Decoder decoder(written);
-    const Format& format = decoder.format();
-    if (format.sampleRate == job.output.sampleRate && format.channels == job.output.channels &&
-        decoder.frames() == report.frames)
-        return;
+    const std::string wrong = wrongWith(written, job, report);
+    if (wrong.empty()) return;
     throw platform::Error("\"" + platform::toUtf8(written) +
-                          "\" was not changed: what was to take "
-                          "its place came out " +
-                          wrongWith(format, decoder.frames(), job, report) +
+                          "\" was not changed: what was to take its place came out " + wrong +
                           ", so it was thrown away.");
+}
+
+// Why all of the sound has to be encoded after all, in a sentence; empty where it has not.
+std::string reasonToEncode(const std::filesystem::path& written, const SaveJob& job,
+                           const SaveReport& report) try {
+    const std::string wrong = wrongWith(written, job, report);
+    return wrong.empty() ? wrong : "What was put together of it came out " + wrong + ".";
+} catch (const Cancelled&) {
+    throw;
+} catch (const platform::Error&) {
+    return "What was put together of it cannot be read.";
 }
 
 using Writer = SaveReport (*)(const SaveJob& job, platform::file::Replacement& file, Work& work);
@@ -115,21 +124,18 @@ SaveReport writeVerified(Writer writer, const SaveJob& job, platform::file::Repl
                          Work& work) {
     SaveReport report = writer(job, file, work);
     if (job.encodeAll || !job.sameFormat()) return report;
-    try {
-        verifySound(file.temporary(), job, report);
+    const std::string reason = reasonToEncode(file.temporary(), job, report);
+    if (reason.empty()) {
         report.verified = true;
         return report;
-    } catch (const Cancelled&) {
-        throw;
-    } catch (const platform::Error& error) {
-        job.source->requireUnchanged();
-        file.truncate(0);
-        SaveJob again = job;
-        again.encodeAll = true;
-        report = writer(again, file, work);
-        report.note = error.what();
-        return report;
     }
+    job.source->requireUnchanged();
+    file.truncate(0);
+    SaveJob again = job;
+    again.encodeAll = true;
+    report = writer(again, file, work);
+    report.note = reason;
+    return report;
 }
 
 SaveReport write(const SaveJob& job, platform::file::Replacement& file, Work& work) {

@@ -66,7 +66,12 @@ TEST(VorbisComment, ALongPacketOverManyPagesIsReadWhole) {
     EXPECT_NE(text.find(field("title=two")), std::string::npos);
 }
 
-TEST(VorbisComment, FilesThatAreNoOggHaveNone) {
+TEST(VorbisComment, FilesOfOtherKindsHaveNone) {
     EXPECT_TRUE(readVorbisComment(support::fixture("tone.wav"), LevelFields::Keep).empty());
-    EXPECT_TRUE(readVorbisComment(support::fixture("tone.opus"), LevelFields::Keep).empty());
+    EXPECT_TRUE(readVorbisComment(support::fixture("tone.flac"), LevelFields::Keep).empty());
+}
+
+TEST(VorbisComment, OpusHasItToo) {
+    const auto packet = readVorbisComment(support::fixture("tone.opus"), LevelFields::Keep);
+    EXPECT_EQ(std::string(packet.begin(), packet.begin() + 8), "OpusTags");
 }

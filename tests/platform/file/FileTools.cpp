@@ -2,13 +2,11 @@
 #include "tests/platform/file/FileTools.h"
 
 #include <algorithm>
-#include <csignal>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <random>
 #include <stdexcept>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -58,22 +56,6 @@ FolderElsewhere::FolderElsewhere(const fs::path& here) {
 FolderElsewhere::~FolderElsewhere() {
     std::error_code ignored;
     fs::remove_all(path_, ignored);
-}
-
-FileSizeLimit::FileSizeLimit(std::uintmax_t bytes) {
-    std::signal(SIGXFSZ, SIG_IGN);
-    rlimit limit{};
-    getrlimit(RLIMIT_FSIZE, &limit);
-    before_ = limit.rlim_cur;
-    limit.rlim_cur = bytes;
-    setrlimit(RLIMIT_FSIZE, &limit);
-}
-
-FileSizeLimit::~FileSizeLimit() {
-    rlimit limit{};
-    getrlimit(RLIMIT_FSIZE, &limit);
-    limit.rlim_cur = before_;
-    setrlimit(RLIMIT_FSIZE, &limit);
 }
 
 }  // namespace test

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/FileSizeLimit.h"
+
 namespace test {
 
 void writeFile(const std::filesystem::path& file, const std::string& bytes);
@@ -30,17 +32,7 @@ class FolderElsewhere {
     std::filesystem::path path_;
 };
 
-/// While it lives, no file of this process grows beyond the limit: what a full disk is to a copy.
-class FileSizeLimit {
-  public:
-    explicit FileSizeLimit(std::uintmax_t bytes);
-    ~FileSizeLimit();
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
-  private:
-    std::uintmax_t before_;
-};
+using support::FileSizeLimit;
 
 /// The text of the platform::Error that a call throws; empty where it throws none.
 template <class Call>
