@@ -180,7 +180,7 @@ PacketBytes BlockForcer::code(const ForcedBlock& block, const std::vector<float*
     for (std::size_t channel = 0; channel < planes.size(); ++channel)
         block_.pcm[channel] = planes[channel];
     Internal& internal = internalOf(block_);
-    const float seconds = static_cast<float>(size / 2) / static_cast<float>(dsp.vi->rate);
+    const float seconds = static_cast<float>(size) / 2 / static_cast<float>(dsp.vi->rate);
     internal.loudest = std::max(silence, loudest_ + seconds * decayPerSecond);
     internal.kind = kindOf(block);
     ogg_packet packet{};
